@@ -1,0 +1,12 @@
+# rkbase_add_qtest(<name> SOURCES <files...> [LIBS <targets...>] [LABELS <labels...>])
+# Builds one QtTest executable and registers it with ctest. Every test runs with the offscreen
+# platform and the C locale, so that widgets and number formats do not depend on the machine.
+function(rkbase_add_qtest name)
+  cmake_parse_arguments(T "" "" "SOURCES;LIBS;LABELS" ${ARGN})
+  add_executable(${name} ${T_SOURCES})
+  target_link_libraries(${name} PRIVATE rkBaseQt Qt5::Test ${T_LIBS})
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C;RKBASE_CORPUS=${RKBASE_CORPUS_DIR}"
+    LABELS "${T_LABELS}")
+endfunction()

@@ -1,0 +1,19 @@
+#pragma once
+// One include for everything the library exports.
+
+#include "rkbaseqt_export.h"
+
+#include "core/GDALException.h"
+#include "core/TripleDouble.h"
+#include "core/rkAbstractFactory.h"
+#include "core/rkDestructor.h"
+#include "core/rkTranslator.h"
+#include "core/rkUtils.h"
+
+#include "frame/AbstractProgress.h"
+#include "frame/Environment.h"
+#include "frame/LicenceOverlay.h"
+#include "frame/rkProductInfo.h"
+
+#include "units/DisplayUnitManager.h"
+#include "units/UnitManager.h"

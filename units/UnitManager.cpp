@@ -1,0 +1,401 @@
+#include "units/UnitManager.h"
+
+#include <cmath>
+
+namespace rkBase {
+
+const double UnitManager::m_metresPerFoot = 0.3048;
+const double UnitManager::m_metresPerMile = 1609.344;
+
+namespace {
+// The category whose re-registration keeps four decimals (see setCategory).
+const char* const kTimeCategory = "time";
+
+// Round towards zero, taking the direction from the sign of the input rather than of the
+// converted part, as compound printing has always done.
+int wholePart(double v, double input) { return static_cast<int>(input > 0 ? std::floor(v) : std::ceil(v)); }
+} // namespace
+
+UnitManager::UnitManager(const std::string& key, const std::string& category, int unitCount, int modelUnit,
+                         int defaultDisplayUnit, DisplayUnitManager* manager)
+    : m_displayUnitManager(manager),
+      m_category(category),
+      m_modelUnit(modelUnit),
+      m_unitCount(unitCount),
+      m_defaultDisplayUnit(defaultDisplayUnit),
+      m_key(key)
+{
+    if (m_displayUnitManager)
+        connect(m_displayUnitManager, SIGNAL(destroyed()), this, SLOT(onDisplayUnitManagerNeedCleaning()));
+    m_factors.reserve(static_cast<size_t>(qMax(unitCount, 0)));
+}
+
+UnitManager::~UnitManager() = default;
+
+void UnitManager::setup(int precision)
+{
+    m_customPrecision = precision;
+    initUnitTables();
+
+    m_regexString = QStringLiteral("([+-]?[\\d.,]+(e[+-]?[.,\\d]+)?)\\s*(");
+    m_regexString += m_unitTags.join(QLatin1Char('|'));
+    m_regexString += QStringLiteral(")?");
+    m_regex = QRegExp(m_regexString, Qt::CaseSensitive, QRegExp::RegExp);
+
+    if (!m_category.empty() && m_displayUnitManager)
+        m_displayUnitManager->registerUnit(m_category, m_defaultDisplayUnit, precision, m_unitNames);
+}
+
+void UnitManager::addUnit(double factor, const QString& name, const QString& tag)
+{
+    m_factors.push_back(factor);
+    m_unitNames.append(name);
+    m_unitTags.append(tag);
+}
+
+void UnitManager::onDisplayUnitManagerNeedCleaning() { m_displayUnitManager = nullptr; }
+
+// --- reading ---------------------------------------------------------------
+
+int UnitManager::displayUnit() const
+{
+    return m_displayUnitManager ? m_displayUnitManager->displayUnit(m_category) : 0;
+}
+
+int UnitManager::precision() const
+{
+    if (m_hasCustomPrecision)
+        return m_customPrecision;
+    if (m_displayUnitManager)
+        return m_displayUnitManager->displayPrecision(m_category);
+    return 2;
+}
+
+int UnitManager::numUnits() const { return m_unitCount; }
+
+QString UnitManager::getUnitName(int unit) const
+{
+    return (unit >= 0 && unit < m_unitCount) ? m_unitNames.value(unit) : QString();
+}
+
+QString UnitManager::getUnitTag(int unit) const
+{
+    return (unit >= 0 && unit < m_unitCount) ? m_unitTags.value(unit) : QString();
+}
+
+int UnitManager::getUnitKey(const QString& text) const
+{
+    const int rows = qMin(m_unitCount, m_unitNames.size());
+    for (int i = 0; i < rows; ++i)
+        if (m_unitNames.at(i) == text || m_unitTags.at(i) == text)
+            return i;
+    return -1;
+}
+
+QString UnitManager::getCategoryDisplayName(const std::string&)
+{
+    return m_displayUnitManager ? m_displayUnitManager->getCategoryDisplayName(m_category) : QString();
+}
+
+std::string UnitManager::getCategoryFromDisplayName(const QString& name)
+{
+    return m_displayUnitManager ? m_displayUnitManager->getCategoryFromDisplayName(name) : std::string();
+}
+
+// --- writing ---------------------------------------------------------------
+
+void UnitManager::displayUnit(int unit)
+{
+    if (m_displayUnitManager && unit >= 0 && unit < m_unitCount && unit != displayUnit())
+        m_displayUnitManager->setUnit(m_category, unit);
+}
+
+void UnitManager::displayUnit(const QString& name)
+{
+    const int unit = m_unitNames.indexOf(name);
+    if (unit >= 0)
+        displayUnit(unit);
+}
+
+void UnitManager::precision(int value)
+{
+    if (m_displayUnitManager)
+        m_displayUnitManager->setPrecision(m_category, value);
+}
+
+void UnitManager::setCustomPrecision(int value)
+{
+    m_customPrecision = value;
+    m_hasCustomPrecision = true;
+}
+
+void UnitManager::modelUnit(int unit)
+{
+    if (unit < 0 || unit >= m_unitCount || unit == m_modelUnit)
+        return;
+    std::vector<double> rebased(m_factors.size());
+    for (size_t i = 0; i < m_factors.size(); ++i)
+        rebased[i] = convert(1.0, static_cast<int>(i), unit);
+    m_factors.swap(rebased);
+    m_modelUnit = unit;
+    emit unitChanged(unit);
+}
+
+void UnitManager::modelUnit(const QString& name)
+{
+    const int unit = m_unitNames.indexOf(name);
+    if (unit < 0)
+        return;
+    if (unit != m_modelUnit) {
+        std::vector<double> rebased(m_factors.size());
+        for (size_t i = 0; i < m_factors.size(); ++i)
+            rebased[i] = convert(1.0, static_cast<int>(i), unit);
+        m_factors.swap(rebased);
+    }
+    m_modelUnit = unit;
+    emit unitChanged(unit);
+}
+
+void UnitManager::setCategory(const std::string& category)
+{
+    m_category = category;
+    if (m_displayUnitManager)
+        m_displayUnitManager->registerUnit(m_category, m_defaultDisplayUnit, m_category == kTimeCategory ? 4 : 2,
+                                           m_unitNames);
+}
+
+void UnitManager::setCategoryDisplayName(const QString& name)
+{
+    if (!m_category.empty() && m_displayUnitManager)
+        m_displayUnitManager->setCategoryDisplayName(m_category, name);
+}
+
+void UnitManager::setDisplayUnit(const DisplayUnitId& id)
+{
+    if (m_category.empty() || !m_displayUnitManager)
+        return;
+    const int unit = m_displayUnitManager->getUnitDisplay(m_category, id);
+    const int prec = m_displayUnitManager->getPrecisionDisplay(m_category, id);
+    if (unit != -1 || prec != -1)
+        m_displayUnitManager->update(m_category, unit, prec);
+}
+
+void UnitManager::setUnitList(const DisplayUnitId& id, int unit, int precision)
+{
+    if (!m_category.empty() && m_displayUnitManager)
+        m_displayUnitManager->setUnitList(m_category, unit, precision, id);
+}
+
+// --- converting ------------------------------------------------------------
+
+double UnitManager::convert(double value, int from, int to) const
+{
+    if (from == to || !validKey(from) || !validKey(to))
+        return value;
+    return value * m_factors[static_cast<size_t>(from)] / m_factors[static_cast<size_t>(to)];
+}
+
+double UnitManager::convertModelToDisplay(double value) const { return convert(value, m_modelUnit, displayUnit()); }
+
+double UnitManager::convertModelToDisplay(double value, int unit) const { return convert(value, m_modelUnit, unit); }
+
+double UnitManager::convertDisplayToModel(double value) const { return convert(value, displayUnit(), m_modelUnit); }
+
+// --- printing --------------------------------------------------------------
+
+QString UnitManager::formatNumber(double value, int fieldWidth, int decimals) const
+{
+    return QStringLiteral("%1").arg(value, fieldWidth, 'f', decimals, QLatin1Char(' '));
+}
+
+QString UnitManager::printValue(double modelValue) const
+{
+    QString out;
+    printValue(out, modelValue, -1, -1, precision());
+    return out;
+}
+
+QString UnitManager::printPositiveValue(double modelValue) const
+{
+    QString out;
+    printPositiveValue(out, modelValue, -1, -1, precision());
+    return out;
+}
+
+QString& UnitManager::printValue(QString& out, double value, int from, int to, int fieldWidth) const
+{
+    // The compound form has its own field width on purpose.
+    if (m_msp && m_showTag)
+        return printValueMSP(out, value, from, to, 6);
+    return printPlain(out, value, from, to, fieldWidth, false);
+}
+
+QString& UnitManager::printPositiveValue(QString& out, double value, int from, int to, int fieldWidth) const
+{
+    if (m_msp && m_showTag)
+        return printValueMSP(out, value, from, to, 6);
+    return printPlain(out, value, from, to, fieldWidth, true);
+}
+
+QString& UnitManager::printPlain(QString& out, double value, int from, int to, int fieldWidth, bool positive) const
+{
+    if (from == -1)
+        from = m_modelUnit;
+    if (to == -1 && m_displayUnitManager)
+        to = displayUnit();
+    double shown = convert(value, from, to);
+    if (positive)
+        shown = std::fabs(shown);
+    out = formatNumber(shown, fieldWidth, precision());
+    // A signed print checks the key against the tags; the positive one appends whatever
+    // getUnitTag gives, an empty tag for a bad key.
+    if (m_showTag && (positive || (to >= 0 && to < m_unitTags.size()))) {
+        out += QLatin1Char(' ');
+        out += getUnitTag(to);
+    }
+    return out;
+}
+
+QString& UnitManager::printWithoutMSP(QString& out, double value, int from, int to, int fieldWidth) const
+{
+    // Clearing the flag for the call routes the virtual printValue to its plain branch, so that a
+    // compound print that falls back to a plain one cannot come back here.
+    const bool saved = m_msp;
+    m_msp = false;
+    printValue(out, value, from, to, fieldWidth);
+    m_msp = saved;
+    return out;
+}
+
+QString& UnitManager::printValueMSP(QString& out, double value, int from, int to, int fieldWidth) const
+{
+    if (!m_msp || (m_displayUnitManager && m_displayUnitManager->displayUnit(m_category) == 0))
+        return printWithoutMSP(out, value, from, to, 6);
+
+    if (from == -1)
+        from = m_modelUnit;
+    if (to == -1 && m_displayUnitManager)
+        to = displayUnit();
+
+    int major = -1, second = -1, last = -1;
+    getMSPSystem(to, major, second, last);
+    if (major == -1 && second == -1 && last == -1)
+        return printWithoutMSP(out, value, from, to, fieldWidth);
+
+    out.clear();
+    if (validKey(major)) {
+        const int whole = wholePart(convert(value, from, major), value);
+        if (whole != 0)
+            out += QStringLiteral("%1 %2").arg(QString::number(whole), getUnitTag(major));
+    }
+    if (validKey(second)) {
+        double part = convert(value, from, second);
+        // Without a major unit there is nothing to take the remainder of.
+        if (validKey(major))
+            part = std::fmod(part, m_factors[static_cast<size_t>(major)] / m_factors[static_cast<size_t>(second)]);
+        const int whole = wholePart(part, value);
+        if (whole != 0)
+            out += QStringLiteral(" %1 %2").arg(QString::number(whole), getUnitTag(second));
+    }
+    // A chain without a last unit (the length chains) prints its major and second parts only.
+    if (validKey(last)) {
+        double rest = convert(value, from, last);
+        if (validKey(second))
+            rest = std::fmod(rest, m_factors[static_cast<size_t>(second)] / m_factors[static_cast<size_t>(last)]);
+        if (std::fabs(rest) < 1e-10)
+            rest = 0.0;
+        // The decimals of the last part are the display unit's key, not the precision: with
+        // seconds (key 3) shown, the seconds carry three decimals.
+        const int decimals = m_displayUnitManager ? m_displayUnitManager->displayUnit(m_category) : 0;
+        out += QStringLiteral(" %5 %6").arg(formatNumber(rest, fieldWidth, decimals), getUnitTag(last));
+    }
+    return out;
+}
+
+QString& UnitManager::printNumber(QString& out, double value) const
+{
+    out = formatNumber(value, 0, precision());
+    return out;
+}
+
+// --- parsing ---------------------------------------------------------------
+
+int UnitManager::matchNumber(const QString& text, double& value, bool& numberOk) const
+{
+    const int pos = m_regex.indexIn(text, 0);
+    if (pos < 0) {
+        numberOk = false;
+        return pos;
+    }
+    value = m_regex.cap(1).toDouble(&numberOk);
+    return pos;
+}
+
+bool UnitManager::parseValue(const QString& text, double& value, int to, int* unitOut) const
+{
+    if (!m_displayUnitManager)
+        return false;
+    if (to == -1)
+        to = m_modelUnit;
+    int source = displayUnit();
+
+    double number = value;
+    bool ok = false;
+    if (matchNumber(text, number, ok) < 0)
+        return false;
+    value = number;
+    if (!ok)
+        return false;
+
+    const QString tag = m_regex.cap(3);
+    if (!tag.isEmpty()) {
+        source = getUnitKey(tag);
+        if (source == -1)
+            return false;
+    }
+    value = convert(value, source, to);
+    if (unitOut)
+        *unitOut = source;
+    return true;
+}
+
+bool UnitManager::parseNumber(const QString& text, double& value, int* unitOut) const
+{
+    if (!m_displayUnitManager)
+        return false;
+    double number = value;
+    bool ok = false;
+    const int pos = matchNumber(text, number, ok);
+    if (pos < 0)
+        return false;
+    value = number;
+    if (!ok)
+        return false;
+    int unit = displayUnit();
+    // Kept as it has always behaved: a number that starts late is looked up as a unit name,
+    // which nearly always fails, so only text whose number starts early is accepted.
+    if (pos >= 2) {
+        unit = getUnitKey(m_regex.cap(1));
+        if (unit == -1)
+            return false;
+    }
+    if (unitOut)
+        *unitOut = unit;
+    return true;
+}
+
+void UnitManager::getMSPSystem(int, int& major, int& second, int& last) const
+{
+    major = second = last = -1;
+}
+
+// --- glyphs ----------------------------------------------------------------
+
+QString UnitManager::degreeString() { return QString(QChar(0x00B0)); }
+QString UnitManager::squaredString() { return QString(QChar(0x00B2)); }
+QString UnitManager::cubedString() { return QString(QChar(0x00B3)); }
+QString UnitManager::middleDotString() { return QString(QChar(0x00B7)); }
+QString UnitManager::invertedString() { return QString(QChar(0x207B)) + QChar(0x00B9); }
+QString UnitManager::invertedSquaredString() { return QString(QChar(0x207B)) + QChar(0x00B2); }
+
+} // namespace rkBase

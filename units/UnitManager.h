@@ -1,0 +1,150 @@
+#pragma once
+
+#include "rkbaseqt_export.h"
+#include "units/DisplayUnitManager.h"
+
+#include <QObject>
+#include <QRegExp>
+#include <QString>
+#include <QStringList>
+
+#include <string>
+#include <vector>
+
+namespace rkBase {
+
+/// \brief One physical quantity: its unit table, conversion, printing and parsing.
+///
+/// Values are stored in the model unit and shown in the category's display unit with the
+/// category's precision; both live in the shared DisplayUnitManager, so every manager and editor
+/// of a category follows one choice. A unit is its zero-based key; -1 means "none given" and
+/// takes the default told at each operation. Bad keys pass values through, give empty texts or
+/// are ignored; nothing throws.
+///
+/// A concrete class supplies `initUnitTables()` (append factors, names and tags with
+/// `addUnit`) and ends its constructor with `setup(precision)`. Held through
+/// `boost::shared_ptr<UnitManager>`. GUI thread only.
+class RKBASEQT_EXPORT UnitManager : public QObject {
+    Q_OBJECT
+
+public:
+    const std::string& key() const { return m_key; }
+    const std::string& category() const { return m_category; }
+    DisplayUnitManager* displayUnitManager() const { return m_displayUnitManager; }
+    bool showsUnitTag() const { return m_showTag; }
+    bool getMSP() const { return m_msp; }
+    void setMSP(bool on) { m_msp = on; }
+
+    int modelUnit() const { return m_modelUnit; }
+    /// The category's display unit; 0 when the category is not registered or there is no table.
+    int displayUnit() const;
+    /// The custom precision if one was set, else the table's, else 2.
+    int precision() const;
+    /// How many units a user may choose from; may be fewer than the table holds.
+    virtual int numUnits() const;
+
+    QString getUnitName(int unit) const;
+    QString getUnitTag(int unit) const;
+    QString getDisplayUnitName() const { return getUnitName(displayUnit()); }
+    QString getDisplayUnitTag() const { return getUnitTag(displayUnit()); }
+    QString getModelUnitName() const { return getUnitName(m_modelUnit); }
+    /// First unit whose name or tag (name tested first) equals `text` exactly; -1 if none.
+    int getUnitKey(const QString& text) const;
+    /// The parsing pattern: number, optional exponent, blanks, optional tag.
+    QString regexString() const { return m_regexString; }
+    QString getCategoryDisplayName(const std::string& ignored = std::string());
+    std::string getCategoryFromDisplayName(const QString& name);
+
+    void displayUnit(int unit);
+    void displayUnit(const QString& name);
+    void precision(int value);
+    /// Overrides the table's precision for this manager alone, for good.
+    void setCustomPrecision(int value);
+    void modelUnit(int unit);
+    /// Unlike the int form, emits `unitChanged` even when the unit stays the same.
+    void modelUnit(const QString& name);
+    void setCategory(const std::string& category);
+    void setCategoryDisplayName(const QString& name);
+    /// Applies one stored scheme to the category.
+    void setDisplayUnit(const DisplayUnitId& id);
+    void setUnitList(const DisplayUnitId& id, int unit, int precision);
+
+    /// `value * factor[from] / factor[to]`; the value unchanged for equal or bad keys.
+    virtual double convert(double value, int from, int to) const;
+    double convertModelToDisplay(double value) const;
+    double convertModelToDisplay(double value, int unit) const;
+    double convertDisplayToModel(double value) const;
+
+    /// Model value in the display unit, padded to the precision's width, with the tag.
+    virtual QString printValue(double modelValue) const;
+    virtual QString& printValue(QString& out, double value, int from, int to, int fieldWidth) const;
+    virtual QString& printPositiveValue(QString& out, double value, int from, int to, int fieldWidth) const;
+    virtual QString printPositiveValue(double modelValue) const;
+    /// Compound form (such as degrees, minutes, seconds) along the chain of `getMSPSystem`.
+    virtual QString& printValueMSP(QString& out, double value, int from, int to, int fieldWidth) const;
+    /// The number alone: no conversion, no tag.
+    QString& printNumber(QString& out, double value) const;
+
+    /// Reads "<number> [tag]" (text after it is ignored), taking the display unit when no tag is
+    /// given, and converts into `to` (-1: the model unit). False without a table or on a bad
+    /// number or an unknown tag.
+    virtual bool parseValue(const QString& text, double& value, int to = -1, int* unitOut = nullptr) const;
+    /// Reads the number without converting. Only text whose number starts within its first two
+    /// characters is accepted; any tag is ignored.
+    bool parseNumber(const QString& text, double& value, int* unitOut = nullptr) const;
+
+    virtual void getMSPSystem(int unit, int& major, int& second, int& last) const;
+
+    static QString degreeString();
+    static QString squaredString();
+    static QString cubedString();
+    static QString middleDotString();
+    static QString invertedString();
+    static QString invertedSquaredString();
+
+signals:
+    void unitChanged(int unit);
+
+protected:
+    UnitManager(const std::string& key, const std::string& category, int unitCount, int modelUnit,
+                int defaultDisplayUnit, DisplayUnitManager* manager);
+    ~UnitManager() override;
+
+    /// Ends every concrete constructor: fills the tables, builds the pattern and registers the
+    /// category. Must run exactly once.
+    void setup(int precision);
+    virtual void initUnitTables() = 0;
+    /// Appends one row; for `initUnitTables`.
+    void addUnit(double factor, const QString& name, const QString& tag);
+
+    static const double m_metresPerFoot;
+    static const double m_metresPerMile;
+
+private slots:
+    void onDisplayUnitManagerNeedCleaning();
+
+private:
+    bool validKey(int unit) const { return unit >= 0 && unit < static_cast<int>(m_factors.size()); }
+    QString formatNumber(double value, int fieldWidth, int decimals) const;
+    QString& printPlain(QString& out, double value, int from, int to, int fieldWidth, bool positive) const;
+    QString& printWithoutMSP(QString& out, double value, int from, int to, int fieldWidth) const;
+    int matchNumber(const QString& text, double& value, bool& numberOk) const;
+
+    DisplayUnitManager* m_displayUnitManager;
+    QString m_regexString;
+    mutable QRegExp m_regex; // compiled once by setup; matching keeps state, hence mutable
+    std::vector<double> m_factors;
+    QStringList m_unitNames;
+    QStringList m_unitTags;
+    std::string m_category;
+    int m_modelUnit;
+    int m_unitCount;
+    bool m_showTag = true;
+    mutable bool m_msp = false; // cleared for the length of a plain print inside a compound one
+    int m_customPrecision = 2;
+    bool m_hasCustomPrecision = false;
+    int m_defaultDisplayUnit;
+    std::string m_key;
+};
+
+} // namespace rkBase
