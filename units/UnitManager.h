@@ -42,6 +42,8 @@ public:
     int precision() const;
     /// How many units a user may choose from; may be fewer than the table holds.
     virtual int numUnits() const;
+    /// The chain of compound printing for `unit`: major, second and last unit keys, -1 for none.
+    virtual void getMSPSystem(int unit, int& major, int& second, int& last) const;
 
     QString getUnitName(int unit) const;
     QString getUnitTag(int unit) const;
@@ -93,7 +95,6 @@ public:
     /// characters is accepted; any tag is ignored.
     bool parseNumber(const QString& text, double& value, int* unitOut = nullptr) const;
 
-    virtual void getMSPSystem(int unit, int& major, int& second, int& last) const;
 
     static QString degreeString();
     static QString squaredString();
