@@ -17,3 +17,7 @@
 
 #include "units/DisplayUnitManager.h"
 #include "units/UnitManager.h"
+#include "units/UnitManagers.h"
+#include "units/UnitRegistry.h"
+
+#include "matrix/MatrixData.h"

@@ -22,8 +22,8 @@ void rkAbstractFactory::throwNoConcreteFactory()
 
 void rkAbstractFactory::throwUnknownProduct(const std::string& factory, const std::string& product)
 {
-    throw std::runtime_error("Abstract factory '" + factory + "' does not have the required product name '" +
-                             product + "' registered. Please contact Ardmuir Fenton with a bug-report");
+    throw std::runtime_error("Abstract factory '" + factory + "' does not have the required product name '" + product +
+                             "' registered. Please contact Ardmuir Fenton with a bug-report");
 }
 
 } // namespace rkBase

@@ -48,8 +48,7 @@ private:
 
 /// \brief Destructor that ends the singleton `T` through `T::destroy_instance()`.
 /// `T` declares `friend class rkBase::TrkDestructor<T>;` when `destroy_instance` is private.
-template <class T>
-class TrkDestructor : public rkDestructor {
+template <class T> class TrkDestructor : public rkDestructor {
 public:
     explicit TrkDestructor(const rkDestructionPhase& phase) : rkDestructor(phase) {}
 

@@ -16,10 +16,7 @@ namespace rkBase {
 
 namespace {
 // Products for which the licence is never asked: the viewer and the test harness.
-bool licenceApplies(const std::string& product)
-{
-    return product != "TeskViewer" && product != "TeskUnitTests";
-}
+bool licenceApplies(const std::string& product) { return product != "TeskViewer" && product != "TeskUnitTests"; }
 
 QString executableSuffix()
 {
@@ -94,11 +91,8 @@ void rkProductInfo::init(const std::string& organisation, const std::string& pro
     const QString label = QString::fromLatin1(build::sourceLabel);
     const QString productName = QString::fromStdString(product);
     if (label.startsWith(QLatin1String("rel"), Qt::CaseInsensitive))
-        m_marketingName = QStringLiteral("%1%2.%3")
-                              .arg(productName)
-                              .arg(build::releaseYear)
-                              .arg(build::releaseMinor)
-                              .toStdString();
+        m_marketingName =
+            QStringLiteral("%1%2.%3").arg(productName).arg(build::releaseYear).arg(build::releaseMinor).toStdString();
     else
         m_marketingName =
             QStringLiteral("%1%2").arg(productName, QString::fromLatin1(build::longVersion)).toStdString();

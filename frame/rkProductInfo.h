@@ -12,8 +12,7 @@
 
 namespace rkBase {
 
-template <class T>
-class TrkDestructor;
+template <class T> class TrkDestructor;
 
 /// \brief Which product is running: names, version, build, and the application's identity.
 ///
@@ -28,8 +27,8 @@ public:
     static rkProductInfo& instance();
     static const rkProductInfo& const_instance();
 
-    void init(const std::string& organisation, const std::string& product, unsigned int major,
-              unsigned int minor, char micro, const std::string& buildDate);
+    void init(const std::string& organisation, const std::string& product, unsigned int major, unsigned int minor,
+              char micro, const std::string& buildDate);
     /// Initialises with organisation "RKE", the release numbers of this build and its build time.
     void init(const std::string& product);
 

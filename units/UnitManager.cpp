@@ -1,5 +1,7 @@
 #include "units/UnitManager.h"
 
+#include "units/UnitRegistry.h"
+
 #include <cmath>
 
 namespace rkBase {
@@ -8,9 +10,6 @@ const double UnitManager::m_metresPerFoot = 0.3048;
 const double UnitManager::m_metresPerMile = 1609.344;
 
 namespace {
-// The category whose re-registration keeps four decimals (see setCategory).
-const char* const kTimeCategory = "time";
-
 // Round towards zero, taking the direction from the sign of the input rather than of the
 // converted part, as compound printing has always done.
 int wholePart(double v, double input) { return static_cast<int>(input > 0 ? std::floor(v) : std::ceil(v)); }
@@ -18,12 +17,8 @@ int wholePart(double v, double input) { return static_cast<int>(input > 0 ? std:
 
 UnitManager::UnitManager(const std::string& key, const std::string& category, int unitCount, int modelUnit,
                          int defaultDisplayUnit, DisplayUnitManager* manager)
-    : m_displayUnitManager(manager),
-      m_category(category),
-      m_modelUnit(modelUnit),
-      m_unitCount(unitCount),
-      m_defaultDisplayUnit(defaultDisplayUnit),
-      m_key(key)
+    : m_displayUnitManager(manager), m_category(category), m_modelUnit(modelUnit), m_unitCount(unitCount),
+      m_defaultDisplayUnit(defaultDisplayUnit), m_key(key)
 {
     if (m_displayUnitManager)
         connect(m_displayUnitManager, SIGNAL(destroyed()), this, SLOT(onDisplayUnitManagerNeedCleaning()));
@@ -160,8 +155,8 @@ void UnitManager::setCategory(const std::string& category)
 {
     m_category = category;
     if (m_displayUnitManager)
-        m_displayUnitManager->registerUnit(m_category, m_defaultDisplayUnit, m_category == kTimeCategory ? 4 : 2,
-                                           m_unitNames);
+        m_displayUnitManager->registerUnit(m_category, m_defaultDisplayUnit,
+                                           m_category == UnitRegistry::CATEGORY_TIME ? 4 : 2, m_unitNames);
 }
 
 void UnitManager::setCategoryDisplayName(const QString& name)
@@ -320,14 +315,15 @@ QString& UnitManager::printNumber(QString& out, double value) const
 
 // --- parsing ---------------------------------------------------------------
 
-int UnitManager::matchNumber(const QString& text, double& value, bool& numberOk) const
+int UnitManager::matchPattern(const QString& text, QString* number, QString* tag) const
 {
     const int pos = m_regex.indexIn(text, 0);
-    if (pos < 0) {
-        numberOk = false;
-        return pos;
+    if (pos >= 0) {
+        if (number)
+            *number = m_regex.cap(1);
+        if (tag)
+            *tag = m_regex.cap(3);
     }
-    value = m_regex.cap(1).toDouble(&numberOk);
     return pos;
 }
 
@@ -337,17 +333,16 @@ bool UnitManager::parseValue(const QString& text, double& value, int to, int* un
         return false;
     if (to == -1)
         to = m_modelUnit;
-    int source = displayUnit();
 
-    double number = value;
-    bool ok = false;
-    if (matchNumber(text, number, ok) < 0)
+    QString number, tag;
+    if (matchPattern(text, &number, &tag) < 0)
         return false;
-    value = number;
+    bool ok = false;
+    value = number.toDouble(&ok);
     if (!ok)
         return false;
 
-    const QString tag = m_regex.cap(3);
+    int source = displayUnit();
     if (!tag.isEmpty()) {
         source = getUnitKey(tag);
         if (source == -1)
@@ -363,19 +358,19 @@ bool UnitManager::parseNumber(const QString& text, double& value, int* unitOut) 
 {
     if (!m_displayUnitManager)
         return false;
-    double number = value;
-    bool ok = false;
-    const int pos = matchNumber(text, number, ok);
+    QString number;
+    const int pos = matchPattern(text, &number, nullptr);
     if (pos < 0)
         return false;
-    value = number;
+    bool ok = false;
+    value = number.toDouble(&ok);
     if (!ok)
         return false;
     int unit = displayUnit();
     // Kept as it has always behaved: a number that starts late is looked up as a unit name,
     // which nearly always fails, so only text whose number starts early is accepted.
     if (pos >= 2) {
-        unit = getUnitKey(m_regex.cap(1));
+        unit = getUnitKey(number);
         if (unit == -1)
             return false;
     }
@@ -384,10 +379,7 @@ bool UnitManager::parseNumber(const QString& text, double& value, int* unitOut) 
     return true;
 }
 
-void UnitManager::getMSPSystem(int, int& major, int& second, int& last) const
-{
-    major = second = last = -1;
-}
+void UnitManager::getMSPSystem(int, int& major, int& second, int& last) const { major = second = last = -1; }
 
 // --- glyphs ----------------------------------------------------------------
 

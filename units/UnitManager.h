@@ -94,7 +94,9 @@ public:
     /// Reads the number without converting. Only text whose number starts within its first two
     /// characters is accepted; any tag is ignored.
     bool parseNumber(const QString& text, double& value, int* unitOut = nullptr) const;
-
+    /// Applies the compiled pattern to `text`: the position of the match (-1 for none), the
+    /// number's text and the tag's text.
+    int matchPattern(const QString& text, QString* number, QString* tag) const;
 
     static QString degreeString();
     static QString squaredString();
@@ -129,7 +131,6 @@ private:
     QString formatNumber(double value, int fieldWidth, int decimals) const;
     QString& printPlain(QString& out, double value, int from, int to, int fieldWidth, bool positive) const;
     QString& printWithoutMSP(QString& out, double value, int from, int to, int fieldWidth) const;
-    int matchNumber(const QString& text, double& value, bool& numberOk) const;
 
     DisplayUnitManager* m_displayUnitManager;
     QString m_regexString;

@@ -11,10 +11,14 @@ Io::Io() : out(stdout), err(stderr)
     err.setCodec("UTF-8");
 }
 
-bool Args::flag(const QString& name)
+QString Args::takeVerb(const QString& verbs)
 {
-    return m_args.removeAll(name) > 0;
+    if (m_args.isEmpty() || m_args.first().startsWith(QLatin1String("--")))
+        throw UsageError{QStringLiteral("which verb? %1").arg(verbs)};
+    return m_args.takeFirst();
 }
+
+bool Args::flag(const QString& name) { return m_args.removeAll(name) > 0; }
 
 QString Args::option(const QString& name, const QString& fallback)
 {
@@ -85,9 +89,6 @@ AreaRegistration::AreaRegistration(Area area)
     all.insert(at, std::move(area));
 }
 
-void tourHeading(Io& io, const QString& title)
-{
-    io.out << "\n== " << title << " ==\n";
-}
+void tourHeading(Io& io, const QString& title) { io.out << "\n== " << title << " ==\n"; }
 
 } // namespace rktool

@@ -33,6 +33,8 @@ struct Failure {
 class Args {
 public:
     explicit Args(QStringList args) : m_args(std::move(args)) {}
+    /// Takes the verb, which must come first; a usage error listing `verbs` otherwise.
+    QString takeVerb(const QString& verbs);
     bool flag(const QString& name);
     /// The value after `--name`, or `fallback` when the option is absent.
     QString option(const QString& name, const QString& fallback = QString());

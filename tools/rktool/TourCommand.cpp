@@ -18,10 +18,10 @@ int runTour(Args& args, Io& io)
     return Success;
 }
 
-const AreaRegistration registration{Area{
-    1000, QStringLiteral("tour"), QStringLiteral("a short demonstration of every area on bundled samples"),
-    QStringLiteral("Usage: rktool tour\n\nWalks through every area of the library and prints what it did.\n"),
-    runTour, nullptr}};
+const AreaRegistration registration{
+    Area{1000, QStringLiteral("tour"), QStringLiteral("a short demonstration of every area on bundled samples"),
+         QStringLiteral("Usage: rktool tour\n\nWalks through every area of the library and prints what it did.\n"),
+         runTour, nullptr}};
 
 } // namespace
 } // namespace rktool

@@ -42,12 +42,12 @@ void tourProduct(Io& io)
                << (info.other_version_is_newer(QString::fromLatin1(other)) ? "yes" : "no") << "\n";
 }
 
-const AreaRegistration registration{Area{
-    0, QStringLiteral("version"), QStringLiteral("print the product banner (name, version, build)"),
-    QStringLiteral("Usage: rktool version [--json]\n\n"
-                   "Prints the product banner that applications write to their log.\n"
-                   "  --json   the same fields as a JSON object\n"),
-    runVersion, tourProduct}};
+const AreaRegistration registration{
+    Area{0, QStringLiteral("version"), QStringLiteral("print the product banner (name, version, build)"),
+         QStringLiteral("Usage: rktool version [--json]\n\n"
+                        "Prints the product banner that applications write to their log.\n"
+                        "  --json   the same fields as a JSON object\n"),
+         runVersion, tourProduct}};
 
 } // namespace
 } // namespace rktool
