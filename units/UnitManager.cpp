@@ -10,6 +10,8 @@ const double UnitManager::m_metresPerFoot = 0.3048;
 const double UnitManager::m_metresPerMile = 1609.344;
 
 namespace {
+bool isLiteralTag(const QString& tag);
+
 // Round towards zero, taking the direction from the sign of the input rather than of the
 // converted part, as compound printing has always done.
 int wholePart(double v, double input) { return static_cast<int>(input > 0 ? std::floor(v) : std::ceil(v)); }
@@ -36,6 +38,9 @@ void UnitManager::setup(int precision)
     m_regexString += m_unitTags.join(QLatin1Char('|'));
     m_regexString += QStringLiteral(")?");
     m_regex = QRegExp(m_regexString, Qt::CaseSensitive, QRegExp::RegExp);
+    for (const QString& tag : m_unitTags)
+        if (!tag.isEmpty() && isLiteralTag(tag))
+            m_literalTags.insert(tag);
 
     if (!m_category.empty() && m_displayUnitManager)
         m_displayUnitManager->registerUnit(m_category, m_defaultDisplayUnit, precision, m_unitNames);
@@ -200,7 +205,18 @@ double UnitManager::convertDisplayToModel(double value) const { return convert(v
 
 QString UnitManager::formatNumber(double value, int fieldWidth, int decimals) const
 {
-    return QStringLiteral("%1").arg(value, fieldWidth, 'f', decimals, QLatin1Char(' '));
+    // The same text as QString("%1").arg(value, fieldWidth, 'f', decimals, ' '): both format in
+    // the C locale through the same routine, and arg pads with blanks on the left for a positive
+    // width and on the right for a negative one. Doing it directly saves the placeholder scan.
+    QString text = QString::number(value, 'f', decimals);
+    const int pad = qAbs(fieldWidth) - text.size();
+    if (pad > 0) {
+        if (fieldWidth > 0)
+            text.prepend(QString(pad, QLatin1Char(' ')));
+        else
+            text.append(QString(pad, QLatin1Char(' ')));
+    }
+    return text;
 }
 
 QString UnitManager::printValue(double modelValue) const
@@ -315,8 +331,70 @@ QString& UnitManager::printNumber(QString& out, double value) const
 
 // --- parsing ---------------------------------------------------------------
 
+namespace {
+bool isNumberChar(QChar c)
+{
+    return (c >= QLatin1Char('0') && c <= QLatin1Char('9')) || c == QLatin1Char('.') || c == QLatin1Char(',');
+}
+
+// Characters that would make a tag mean something else inside the pattern.
+bool isLiteralTag(const QString& tag)
+{
+    static const QString special = QStringLiteral("\\^$.|?*+()[]{}");
+    for (QChar c : tag)
+        if (special.contains(c))
+            return false;
+    return true;
+}
+} // namespace
+
+bool UnitManager::quickMatch(const QString& text, QString* number, QString* tag) const
+{
+    // The common shapes "<number>" and "<number> <tag>", with the number at the start and an
+    // exact tag up to the end of the text, have only one possible match of the pattern: the
+    // whole text, split at the blanks. Anything else goes to the pattern itself.
+    const int n = text.size();
+    int i = 0;
+    if (i < n && (text[i] == QLatin1Char('+') || text[i] == QLatin1Char('-')))
+        ++i;
+    int end = i;
+    while (end < n && isNumberChar(text[end]))
+        ++end;
+    if (end == i)
+        return false;
+    if (end < n && text[end] == QLatin1Char('e')) {
+        int k = end + 1;
+        if (k < n && (text[k] == QLatin1Char('+') || text[k] == QLatin1Char('-')))
+            ++k;
+        int m = k;
+        while (m < n && isNumberChar(text[m]))
+            ++m;
+        if (m == k)
+            return false;
+        end = m;
+    }
+    int rest = end;
+    while (rest < n && text[rest].isSpace())
+        ++rest;
+    QString unit;
+    if (rest < n) {
+        if (rest == end)
+            return false;
+        unit = text.mid(rest);
+        if (!m_literalTags.contains(unit))
+            return false;
+    }
+    if (number)
+        *number = text.left(end);
+    if (tag)
+        *tag = unit;
+    return true;
+}
+
 int UnitManager::matchPattern(const QString& text, QString* number, QString* tag) const
 {
+    if (quickMatch(text, number, tag))
+        return 0;
     const int pos = m_regex.indexIn(text, 0);
     if (pos >= 0) {
         if (number)

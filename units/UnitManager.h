@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QRegExp>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -129,12 +130,14 @@ private slots:
 private:
     bool validKey(int unit) const { return unit >= 0 && unit < static_cast<int>(m_factors.size()); }
     QString formatNumber(double value, int fieldWidth, int decimals) const;
+    bool quickMatch(const QString& text, QString* number, QString* tag) const;
     QString& printPlain(QString& out, double value, int from, int to, int fieldWidth, bool positive) const;
     QString& printWithoutMSP(QString& out, double value, int from, int to, int fieldWidth) const;
 
     DisplayUnitManager* m_displayUnitManager;
     QString m_regexString;
-    mutable QRegExp m_regex; // compiled once by setup; matching keeps state, hence mutable
+    mutable QRegExp m_regex;     // compiled once by setup; matching keeps state, hence mutable
+    QSet<QString> m_literalTags; // tags without pattern characters, for quickMatch
     std::vector<double> m_factors;
     QStringList m_unitNames;
     QStringList m_unitTags;

@@ -1,0 +1,44 @@
+#pragma once
+// A console reporter that also remembers each benchmark's CPU time per iteration, so that a
+// program can print "library call / bare call" ratios after one run.
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+class RatioReporter : public benchmark::ConsoleReporter {
+public:
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        for (const Run& r : runs)
+            if (r.run_type == Run::RT_Iteration)
+                m_times[r.benchmark_name()] = r.GetAdjustedCPUTime();
+        ConsoleReporter::ReportRuns(runs);
+    }
+
+    /// Prints one line per pair and returns false when a ratio is above its target.
+    bool printRatios(const std::vector<std::pair<std::string, std::string>>& pairs,
+                     const std::vector<double>& targets) const
+    {
+        bool allMet = true;
+        std::printf("\n%-44s %-30s %8s %8s\n", "library call", "bare call", "ratio", "target");
+        for (size_t i = 0; i < pairs.size(); ++i) {
+            auto a = m_times.find(pairs[i].first), b = m_times.find(pairs[i].second);
+            if (a == m_times.end() || b == m_times.end() || b->second <= 0)
+                continue;
+            const double ratio = a->second / b->second;
+            const bool met = ratio <= targets[i];
+            allMet = allMet && met;
+            std::printf("%-44s %-30s %8.2f %7.1fx%s\n", pairs[i].first.c_str(), pairs[i].second.c_str(), ratio,
+                        targets[i], met ? "" : "  (missed)");
+        }
+        return allMet;
+    }
+
+private:
+    std::map<std::string, double> m_times;
+};
