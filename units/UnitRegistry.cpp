@@ -668,9 +668,11 @@ void UnitRegistry::set_property_unitDisplay(const std::string& name, const QStri
     const int key = manager ? manager->getUnitKey(unitName) : -1;
     if (key == -1)
         return;
-    info->m_displayUnit = key;
-    info->m_unitTag = manager->getUnitTag(key);
-    info->m_unitName = unitName;
+    // A tag finds its unit too; the record keeps the unit's name either way, so that a tag
+    // never takes the place of a name.
+    if (key == info->m_displayUnit && info->m_unitName == manager->getUnitName(key))
+        return;
+    applyUnitKey(*info, *manager, key);
     changed(*info);
 }
 

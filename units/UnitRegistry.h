@@ -392,6 +392,8 @@ protected:
 
     std::set<std::string> m_defaultCategories;
     std::set<std::string> m_defaultProperties;
+    /// A subclass that knows more quantities adds its categories here (see insert_category).
+    CategoryMap m_categories;
 
 protected slots:
     void onUnitChanged(const QString& category, int unit);
@@ -410,7 +412,6 @@ private:
     void applyUnitKey(AttributeInfo& info, const UnitManager& manager, int key);
 
     QPointer<DisplayUnitManager> m_displayUnitManager;
-    CategoryMap m_categories;
     PropertyVector m_properties;
     PropertyIndex m_propertyIndex;
 
