@@ -26,8 +26,7 @@ void TestUnitPattern::agreesWithThePattern_data()
     // Tags of each category, pieces of them, and characters around them.
     QTest::newRow("length") << "xy" << numbers + QStringList{"m", "i", "mi", "km", "ft", "x"};
     QTest::newRow("angle quotes") << "orientation" << numbers + QStringList{"'", "\"", "deg", "rad"};
-    QTest::newRow("tags starting with a digit") << "pervolume"
-                                                << numbers + QStringList{"1/m³", "1/km³", "/m", "³"};
+    QTest::newRow("tags starting with a digit") << "pervolume" << numbers + QStringList{"1/m³", "1/km³", "/m", "³"};
     QTest::newRow("empty tag and percent") << "percent" << numbers + QStringList{"%", "%%"};
     QTest::newRow("tags with pattern characters")
         << "thermal conductivity" << numbers + QStringList{"W/(m·K)", "W/m·K", "(", ")"};

@@ -155,21 +155,36 @@ void TestUnitRegistry::deduceCategory_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("category");
-    QTest::newRow("dip before frac_") << "frac_sigma_dip" << "orientation";
-    QTest::newRow("upper case") << "Dip_Angle" << "orientation";
-    QTest::newRow("azimuth") << "mean_AZIMUTH" << "orientation";
-    QTest::newRow("strike before size") << "strike_size" << "orientation";
-    QTest::newRow("size") << "grain_size_max" << "dimension";
-    QTest::newRow("width") << "fault_width" << "dimension";
-    QTest::newRow("porosity") << "frac_porosity" << "fraction";
-    QTest::newRow("porosity needs frac_") << "porosity" << "dimensionless";
-    QTest::newRow("p32") << "frac_p32" << "p32";
-    QTest::newRow("perm") << "frac_permeability" << "permeability";
-    QTest::newRow("porosity before perm") << "frac_porosity_perm" << "fraction";
-    QTest::newRow("anisotropy") << "frac_anisotropy" << "fraction";
-    QTest::newRow("sigma") << "frac_sigma" << "fraction";
-    QTest::newRow("conn") << "frac_connectivity" << "fraction";
-    QTest::newRow("anything else") << "porosity_total" << "dimensionless";
+    QTest::newRow("dip before frac_") << "frac_sigma_dip"
+                                      << "orientation";
+    QTest::newRow("upper case") << "Dip_Angle"
+                                << "orientation";
+    QTest::newRow("azimuth") << "mean_AZIMUTH"
+                             << "orientation";
+    QTest::newRow("strike before size") << "strike_size"
+                                        << "orientation";
+    QTest::newRow("size") << "grain_size_max"
+                          << "dimension";
+    QTest::newRow("width") << "fault_width"
+                           << "dimension";
+    QTest::newRow("porosity") << "frac_porosity"
+                              << "fraction";
+    QTest::newRow("porosity needs frac_") << "porosity"
+                                          << "dimensionless";
+    QTest::newRow("p32") << "frac_p32"
+                         << "p32";
+    QTest::newRow("perm") << "frac_permeability"
+                          << "permeability";
+    QTest::newRow("porosity before perm") << "frac_porosity_perm"
+                                          << "fraction";
+    QTest::newRow("anisotropy") << "frac_anisotropy"
+                                << "fraction";
+    QTest::newRow("sigma") << "frac_sigma"
+                           << "fraction";
+    QTest::newRow("conn") << "frac_connectivity"
+                          << "fraction";
+    QTest::newRow("anything else") << "porosity_total"
+                                   << "dimensionless";
 }
 
 void TestUnitRegistry::deduceCategory()
@@ -411,7 +426,7 @@ void TestUnitRegistry::displayTableChangesReachProperties()
     QCOMPARE(r.property_unit_tag("n"), QStringLiteral("mi"));
     r.setCategoryPrecision(QStringLiteral("xy"), 6);
     QCOMPARE(r.property_precision("x"), 6);
-    QCOMPARE(r.property_precision("n"), -1); // integers have no decimals to follow
+    QCOMPARE(r.property_precision("n"), -1);                // integers have no decimals to follow
     r.setCategoryDisplayUnit(QStringLiteral("no such"), 1); // ignored
 
     // A display-table refresh of the category brings both back in line.
@@ -503,8 +518,8 @@ void TestUnitRegistry::visibilityAndEditability()
 void TestUnitRegistry::constraints()
 {
     UnitRegistry r;
-    const int slot = r.insert_property("rock", R::INTEGER_SYETEM_TYPE, 0, QColor(), std::string(), -1, -1)
-                         .first->second;
+    const int slot =
+        r.insert_property("rock", R::INTEGER_SYETEM_TYPE, 0, QColor(), std::string(), -1, -1).first->second;
     PropertySpy changed(r, &UnitRegistry::property_changed);
     r.add_constraint(slot, 1, QStringLiteral("granite"));
     r.add_constraint(slot, 1, QStringLiteral("basalt")); // the first pair for a key stays
@@ -622,8 +637,9 @@ void TestUnitRegistry::saveUnitListStoresThePresentChoice()
 
 void TestUnitRegistry::systemTypes()
 {
-    const char* names[] = {"Unknown", "Boolean",        "Color", "Colormap", "Dip",         "Flag",        "Integer", "MappedImage",
-                           "Pattern", "ProjectedImage", "Real",  "RealVector2", "RealVector3", "Text", "VertexDisplay"};
+    const char* names[] = {"Unknown", "Boolean",     "Color",       "Colormap", "Dip",
+                           "Flag",    "Integer",     "MappedImage", "Pattern",  "ProjectedImage",
+                           "Real",    "RealVector2", "RealVector3", "Text",     "VertexDisplay"};
     for (int id = 0; id < 15; ++id) {
         QCOMPARE(R::system_type_id(names[id]), id);
         if (id > 0)

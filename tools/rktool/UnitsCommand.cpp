@@ -194,6 +194,15 @@ int runParse(UnitRegistry& registry, Args& args, Io& io)
         throw Failure{QStringLiteral("cannot read '%1' as a value of %2: give a number and optionally one of "
                                      "the tags %3")
                           .arg(p[0], categoryName(manager), tagList(*manager))};
+    // The library ignores text after the value, as editors want; a command line user is told.
+    QString number, tag;
+    const int at = manager->matchPattern(p[0], &number, &tag);
+    QString rest = p[0].mid(at + number.size()).trimmed();
+    if (!tag.isEmpty() && rest.startsWith(tag))
+        rest = rest.mid(tag.size()).trimmed();
+    if (!rest.isEmpty())
+        io.err << "rktool units: note: ignored '" << rest << "' after the value\n";
+
     if (json) {
         printJson(io, QJsonObject{{QStringLiteral("model_value"), value},
                                   {QStringLiteral("model_unit"), manager->getModelUnitName()},

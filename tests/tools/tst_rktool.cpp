@@ -1,0 +1,209 @@
+// rktool as a process: exit codes, help texts, and the units verbs on values whose results are
+// known independently.
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QtTest>
+
+namespace {
+
+struct Run {
+    int code = -1;
+    QString out;
+    QString err;
+};
+
+Run rktool(const QStringList& args)
+{
+    QProcess p;
+    p.start(QStringLiteral(RKTOOL_PATH), args);
+    Run r;
+    if (!p.waitForFinished(30000)) {
+        p.kill();
+        r.err = QStringLiteral("rktool did not finish");
+        return r;
+    }
+    r.code = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+    r.out = QString::fromUtf8(p.readAllStandardOutput());
+    r.err = QString::fromUtf8(p.readAllStandardError());
+    return r;
+}
+
+} // namespace
+
+class TestRkTool : public QObject {
+    Q_OBJECT
+
+private slots:
+    void exitCodes_data();
+    void exitCodes();
+    void helpListsEveryArea();
+    void version();
+    void convert_data();
+    void convert();
+    void convertNeedsCategoryWhenAmbiguous();
+    void printUnderSchemes();
+    void parse();
+    void listAsJson();
+    void tourRuns();
+};
+
+void TestRkTool::exitCodes_data()
+{
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<int>("code");
+    QTest::newRow("no arguments") << QStringList{} << 2;
+    QTest::newRow("help") << QStringList{"--help"} << 0;
+    QTest::newRow("unknown area") << QStringList{"nonsense"} << 2;
+    QTest::newRow("area help") << QStringList{"units", "--help"} << 0;
+    QTest::newRow("verb help") << QStringList{"units", "convert", "--help"} << 0;
+    QTest::newRow("no verb") << QStringList{"units"} << 2;
+    QTest::newRow("unknown verb") << QStringList{"units", "frobnicate"} << 2;
+    QTest::newRow("missing value") << QStringList{"units", "convert", "5", "km"} << 2;
+    QTest::newRow("not a number") << QStringList{"units", "convert", "five", "km", "mi"} << 2;
+    QTest::newRow("unknown option") << QStringList{"units", "list", "--colour"} << 2;
+    QTest::newRow("option without value") << QStringList{"units", "print", "5", "--category"} << 2;
+    QTest::newRow("unknown category") << QStringList{"units", "print", "5", "--category", "weight"} << 2;
+    QTest::newRow("bad scheme") << QStringList{"units", "list", "--scheme", "3"} << 2;
+    QTest::newRow("unknown units") << QStringList{"units", "convert", "5", "parsec", "km"} << 1;
+    QTest::newRow("unreadable text") << QStringList{"units", "parse", "deep", "--category", "xy"} << 1;
+    // The pattern reads "W/(m·K)" as a group, so it matches the text "W/m·K", which is no tag.
+    QTest::newRow("tag the pattern misreads")
+        << QStringList{"units", "parse", QStringLiteral("5 W/m%1K").arg(QChar(0x00B7)), "--category",
+                       "thermal conductivity"}
+        << 1;
+}
+
+void TestRkTool::exitCodes()
+{
+    QFETCH(QStringList, args);
+    QFETCH(int, code);
+    const Run r = rktool(args);
+    QCOMPARE(r.code, code);
+    // Failures and usage errors say why on stderr, in one line, and print nothing else.
+    if (code != 0 && !args.isEmpty()) {
+        QVERIFY(r.out.isEmpty());
+        QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
+        QVERIFY(r.err.startsWith(QStringLiteral("rktool")));
+    }
+}
+
+void TestRkTool::helpListsEveryArea()
+{
+    const Run r = rktool({"--help"});
+    for (const char* area : {"units", "version", "tour"})
+        QVERIFY2(r.out.contains(QStringLiteral("\n  %1 ").arg(QLatin1String(area))), area);
+    const Run units = rktool({"units", "--help"});
+    for (const char* verb : {"list", "convert", "print", "parse"})
+        QVERIFY2(units.out.contains(QStringLiteral("rktool units %1").arg(QLatin1String(verb))), verb);
+}
+
+void TestRkTool::version()
+{
+    const Run r = rktool({"version"});
+    QCOMPARE(r.code, 0);
+    QVERIFY(r.out.contains(QStringLiteral("**         Product Information          **\n")));
+    QVERIFY(r.out.contains(QStringLiteral("Product name           : rktool\n")));
+    QVERIFY(r.out.contains(QStringLiteral("Version number         : 2016.2.2\n")));
+    const Run json = rktool({"version", "--json"});
+    const QJsonObject o = QJsonDocument::fromJson(json.out.toUtf8()).object();
+    QCOMPARE(o.value(QStringLiteral("build_number")).toString(), QStringLiteral("16946"));
+}
+
+void TestRkTool::convert_data()
+{
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<double>("expected");
+    QTest::addColumn<QString>("tag");
+    // 5 km is 5000 / 1609.344 international miles.
+    QTest::newRow("km to mi") << QStringList{"5", "km", "mi", "--category", "xy"} << 5000.0 / 1609.344 << "mi";
+    QTest::newRow("names") << QStringList{"1", "mile", "foot"} << 5280.0 << "ft";
+    QTest::newRow("display name") << QStringList{"1", "km", "m", "--category", "Depth Measure"} << 1000.0 << "m";
+    QTest::newRow("temperature") << QStringList{"-40", "degree Celsius", "degree Fahrenheit"} << -40.0
+                                 << QStringLiteral("%1F").arg(QChar(0x00B0));
+    QTest::newRow("negative value") << QStringList{"-2.5", "MPa", "kPa"} << -2500.0 << "kPa";
+    QTest::newRow("percent") << QStringList{"0.25", "fraction", "percent", "--category", "fraction"} << 25.0 << "%";
+}
+
+void TestRkTool::convert()
+{
+    QFETCH(QStringList, args);
+    QFETCH(double, expected);
+    QFETCH(QString, tag);
+    const Run r = rktool(QStringList{"units", "convert"} + args);
+    QCOMPARE(r.code, 0);
+    const QStringList parts = r.out.trimmed().split(QLatin1Char(' '));
+    QCOMPARE(parts.size(), 2);
+    bool ok = false;
+    const double value = parts[0].toDouble(&ok);
+    QVERIFY(ok);
+    QVERIFY2(qAbs(value - expected) <= 1e-12 * qMax(1.0, qAbs(expected)), qPrintable(r.out));
+    QCOMPARE(parts[1], tag);
+}
+
+void TestRkTool::convertNeedsCategoryWhenAmbiguous()
+{
+    // "%" is a tag in both fraction and percent, with the same factors: no ambiguity there.
+    QCOMPARE(rktool({"units", "convert", "50", "%", "fraction"}).code, 0);
+    // Units that exist in one category only need no category either.
+    QCOMPARE(rktool({"units", "convert", "1", "GPa", "MPa"}).out.trimmed(), QStringLiteral("1000 MPa"));
+    // A category that lacks a unit is a failure, not a guess.
+    QCOMPARE(rktool({"units", "convert", "1", "psi", "km", "--category", "xy"}).code, 1);
+}
+
+void TestRkTool::printUnderSchemes()
+{
+    QCOMPARE(rktool({"units", "print", "1000", "--category", "elevation"}).out, QStringLiteral("1000.0 m\n"));
+    QCOMPARE(rktool({"units", "print", "304.8", "--category", "elevation", "--scheme", "1"}).out,
+             QStringLiteral("1000.0 ft\n"));
+    QCOMPARE(rktool({"units", "print", "304.8", "--category", "xy", "--scheme", "2"}).out, QStringLiteral("304.8 m\n"));
+    QCOMPARE(rktool({"units", "print", "1609.344", "--category", "xy", "--unit", "mi"}).out,
+             QStringLiteral("1.0 mi\n"));
+}
+
+void TestRkTool::parse()
+{
+    const Run r = rktool({"units", "parse", "12.5 km", "--category", "xy", "--json"});
+    QCOMPARE(r.code, 0);
+    const QJsonObject o = QJsonDocument::fromJson(r.out.toUtf8()).object();
+    QCOMPARE(o.value(QStringLiteral("model_value")).toDouble(), 12500.0);
+    QCOMPARE(o.value(QStringLiteral("unit_read")).toString(), QStringLiteral("kilometre"));
+    // Text after the value is ignored, as editors do, but the tool says so.
+    const Run junk = rktool({"units", "parse", "5 furlong", "--category", "xy"});
+    QCOMPARE(junk.code, 0);
+    QVERIFY(junk.out.startsWith(QStringLiteral("5 m ")));
+    QVERIFY2(junk.err.contains(QStringLiteral("'furlong'")), qPrintable(junk.err));
+    // Without a tag the display unit of the scheme is read: feet under the imperial one.
+    const Run feet = rktool({"units", "parse", "1000", "--category", "elevation", "--scheme", "1", "--json"});
+    QCOMPARE(QJsonDocument::fromJson(feet.out.toUtf8()).object().value(QStringLiteral("model_value")).toDouble(),
+             304.8);
+}
+
+void TestRkTool::listAsJson()
+{
+    const Run r = rktool({"units", "list", "--json", "--scheme", "1"});
+    QCOMPARE(r.code, 0);
+    const QJsonArray all = QJsonDocument::fromJson(r.out.toUtf8()).array();
+    QCOMPARE(all.size(), 28);
+    for (const QJsonValue& v : all) {
+        const QJsonObject c = v.toObject();
+        if (c.value(QStringLiteral("category")).toString() == QLatin1String("xy")) {
+            QCOMPARE(c.value(QStringLiteral("display_unit")).toString(), QStringLiteral("foot"));
+            QCOMPARE(c.value(QStringLiteral("units")).toArray().size(), 4);
+            return;
+        }
+    }
+    QFAIL("no xy category in the list");
+}
+
+void TestRkTool::tourRuns()
+{
+    const Run r = rktool({"tour"});
+    QCOMPARE(r.code, 0);
+    QVERIFY(r.out.contains(QStringLiteral("== Units ==")));
+    QVERIFY(r.out.contains(QStringLiteral("5 km = 3.106855961 mi")));
+    QVERIFY(r.err.isEmpty());
+}
+
+QTEST_GUILESS_MAIN(TestRkTool)
+#include "tst_rktool.moc"
