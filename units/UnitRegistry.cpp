@@ -201,7 +201,7 @@ UnitRegistry::UnitRegistry() : m_displayUnitManager(new DisplayUnitManager(this)
 
 UnitRegistry::UnitRegistry(const UnitRegistry& other)
     : QObject(nullptr), m_defaultCategories(other.m_defaultCategories), m_defaultProperties(other.m_defaultProperties),
-      m_displayUnitManager(other.m_displayUnitManager), m_categories(other.m_categories),
+      m_categories(other.m_categories), m_displayUnitManager(other.m_displayUnitManager),
       m_properties(other.m_properties), m_propertyIndex(other.m_propertyIndex)
 {
     connectDisplayTable();
