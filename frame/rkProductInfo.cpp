@@ -46,9 +46,11 @@ int comparePart(const QString& text, unsigned int own)
 
 std::unique_ptr<rkProductInfo>& rkProductInfo::instanceHolder()
 {
-    // Kept apart from get_instance so that destroy_instance never builds an object to drop it.
-    static std::unique_ptr<rkProductInfo> holder;
-    return holder;
+    // Never destroyed: only the shutdown registry ends the object, whatever the order in which
+    // static objects and exit handlers of the process run. Kept apart from get_instance so that
+    // destroy_instance never builds an object just to drop it.
+    static auto* holder = new std::unique_ptr<rkProductInfo>;
+    return *holder;
 }
 
 rkProductInfo::rkProductInfo() = default;
