@@ -1,0 +1,130 @@
+// The terminal progress bar: drawn only on a terminal, throttled, and Ctrl-C turns into a
+// cancel request instead of killing the operation half-way.
+#include "TerminalProgress.h"
+
+#include <QtTest>
+
+#include <csignal>
+#include <fcntl.h>
+#include <pty.h>
+#include <unistd.h>
+
+using rktool::TerminalProgress;
+
+namespace {
+
+// Points stderr at the slave side of a pseudo-terminal for the life of the object.
+class StderrOnTerminal {
+public:
+    StderrOnTerminal()
+    {
+        if (::openpty(&m_master, &m_slave, nullptr, nullptr, nullptr) != 0)
+            return;
+        ::fcntl(m_master, F_SETFL, O_NONBLOCK);
+        m_saved = ::dup(2);
+        ::dup2(m_slave, 2);
+    }
+    ~StderrOnTerminal()
+    {
+        if (m_saved >= 0) {
+            ::dup2(m_saved, 2);
+            ::close(m_saved);
+        }
+        if (m_master >= 0) {
+            ::close(m_master);
+            ::close(m_slave);
+        }
+    }
+    bool ok() const { return m_saved >= 0; }
+    QByteArray drain()
+    {
+        QByteArray all;
+        char buffer[4096];
+        ssize_t n;
+        while ((n = ::read(m_master, buffer, sizeof buffer)) > 0)
+            all.append(buffer, static_cast<int>(n));
+        return all;
+    }
+
+private:
+    int m_master = -1;
+    int m_slave = -1;
+    int m_saved = -1;
+};
+
+} // namespace
+
+class TestTerminalProgress : public QObject {
+    Q_OBJECT
+
+private slots:
+    void silentWhenNotATerminal();
+    void drawsOnATerminal();
+    void interruptCancelsAndIsRestored();
+};
+
+void TestTerminalProgress::silentWhenNotATerminal()
+{
+    // ctest gives the test a pipe or file, never a terminal.
+    QVERIFY(!::isatty(2));
+    TerminalProgress p;
+    QVERIFY(!p.drawing());
+    p.start_progress(false);
+    QVERIFY(p.is_started());
+    QVERIFY(!p.set_progress(50));
+    QCOMPARE(p.get_progress(), 50);
+    p.finish_progress();
+    QVERIFY(!p.is_started());
+}
+
+void TestTerminalProgress::drawsOnATerminal()
+{
+    StderrOnTerminal terminal;
+    if (!terminal.ok())
+        QSKIP("no pseudo-terminal available");
+    TerminalProgress p(200);
+    QVERIFY(p.drawing());
+    p.start_progress(false);
+    p.set_caption(QStringLiteral("Reading"));
+    p.set_progress(100);
+    QByteArray shown = terminal.drain();
+    QVERIFY2(shown.contains("Reading [###############...............]  50%"), shown.constData());
+
+    // The same percentage again within the throttle interval draws nothing new.
+    p.set_progress(101);
+    QVERIFY(terminal.drain().isEmpty());
+    p.set_progress(200);
+    QVERIFY(terminal.drain().contains("100%"));
+
+    // Finishing clears the line so that later output starts clean.
+    p.finish_progress();
+    QVERIFY(terminal.drain().endsWith("\r\033[K"));
+}
+
+void TestTerminalProgress::interruptCancelsAndIsRestored()
+{
+    auto* before = std::signal(SIGINT, SIG_IGN);
+    std::signal(SIGINT, before);
+    {
+        TerminalProgress p;
+        p.start_progress(true);
+        QVERIFY(!p.set_progress(10));
+        std::raise(SIGINT); // the process survives: the bar asks the operation to stop
+        QVERIFY(p.is_cancelled());
+        QVERIFY(p.set_progress(11));
+        p.finish_progress();
+        QVERIFY(!p.is_cancelled());
+    }
+    // The handler in force before the run is back.
+    QVERIFY(std::signal(SIGINT, SIG_DFL) == before);
+    std::signal(SIGINT, before);
+
+    // A run that cannot be cancelled leaves Ctrl-C alone.
+    TerminalProgress q;
+    q.start_progress(false);
+    QVERIFY(std::signal(SIGINT, before) == before);
+    q.finish_progress();
+}
+
+QTEST_GUILESS_MAIN(TestTerminalProgress)
+#include "tst_terminalprogress.moc"
