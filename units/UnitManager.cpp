@@ -129,14 +129,21 @@ void UnitManager::setCustomPrecision(int value)
     m_hasCustomPrecision = true;
 }
 
-void UnitManager::modelUnit(int unit)
+void UnitManager::rebaseFactors(int unit)
 {
-    if (unit < 0 || unit >= m_unitCount || unit == m_modelUnit)
-        return;
+    // Each factor becomes the size of its unit measured in `unit`, through the virtual convert
+    // and the old table.
     std::vector<double> rebased(m_factors.size());
     for (size_t i = 0; i < m_factors.size(); ++i)
         rebased[i] = convert(1.0, static_cast<int>(i), unit);
     m_factors.swap(rebased);
+}
+
+void UnitManager::modelUnit(int unit)
+{
+    if (unit < 0 || unit >= m_unitCount || unit == m_modelUnit)
+        return;
+    rebaseFactors(unit);
     m_modelUnit = unit;
     emit unitChanged(unit);
 }
@@ -146,12 +153,8 @@ void UnitManager::modelUnit(const QString& name)
     const int unit = m_unitNames.indexOf(name);
     if (unit < 0)
         return;
-    if (unit != m_modelUnit) {
-        std::vector<double> rebased(m_factors.size());
-        for (size_t i = 0; i < m_factors.size(); ++i)
-            rebased[i] = convert(1.0, static_cast<int>(i), unit);
-        m_factors.swap(rebased);
-    }
+    if (unit != m_modelUnit)
+        rebaseFactors(unit);
     m_modelUnit = unit;
     emit unitChanged(unit);
 }

@@ -131,6 +131,7 @@ private:
     bool validKey(int unit) const { return unit >= 0 && unit < static_cast<int>(m_factors.size()); }
     QString formatNumber(double value, int fieldWidth, int decimals) const;
     bool quickMatch(const QString& text, QString* number, QString* tag) const;
+    void rebaseFactors(int unit);
     QString& printPlain(QString& out, double value, int from, int to, int fieldWidth, bool positive) const;
     QString& printWithoutMSP(QString& out, double value, int from, int to, int fieldWidth) const;
 

@@ -678,29 +678,32 @@ void UnitRegistry::set_property_unitDisplay(const std::string& name, const QStri
 
 // --- values by property ----------------------------------------------------
 
+const UnitRegistry::AttributeInfo* UnitRegistry::withUnits(const AttributeInfo* info,
+                                                           boost::shared_ptr<UnitManager>& manager) const
+{
+    manager = info ? getCategory(info->m_category) : boost::shared_ptr<UnitManager>();
+    return manager && info->m_displayUnit != -1 ? info : nullptr;
+}
+
 double UnitRegistry::convertDisplayToModel(const double& value, const int& property) const
 {
-    const AttributeInfo* info = slot(property);
-    const boost::shared_ptr<UnitManager> manager = info ? getCategory(info->m_category) : nullptr;
-    if (!manager || info->m_displayUnit == -1)
-        return value;
-    return manager->convert(value, info->m_displayUnit, info->m_modelUnit);
+    boost::shared_ptr<UnitManager> manager;
+    const AttributeInfo* info = withUnits(slot(property), manager);
+    return info ? manager->convert(value, info->m_displayUnit, info->m_modelUnit) : value;
 }
 
 double UnitRegistry::convertModelToDisplay(const double& value, const int& property) const
 {
-    const AttributeInfo* info = slot(property);
-    const boost::shared_ptr<UnitManager> manager = info ? getCategory(info->m_category) : nullptr;
-    if (!manager || info->m_displayUnit == -1)
-        return value;
-    return manager->convert(value, info->m_modelUnit, info->m_displayUnit);
+    boost::shared_ptr<UnitManager> manager;
+    const AttributeInfo* info = withUnits(slot(property), manager);
+    return info ? manager->convert(value, info->m_modelUnit, info->m_displayUnit) : value;
 }
 
 void UnitRegistry::printValue(QString& out, double value, const std::string& property) const
 {
-    const AttributeInfo* info = slot(property);
-    const boost::shared_ptr<UnitManager> manager = info ? getCategory(info->m_category) : nullptr;
-    if (!manager || info->m_displayUnit == -1)
+    boost::shared_ptr<UnitManager> manager;
+    const AttributeInfo* info = withUnits(slot(property), manager);
+    if (!info)
         return;
     out =
         printNumber(manager->convert(value, info->m_modelUnit, info->m_displayUnit), QString::fromStdString(property));
@@ -717,9 +720,9 @@ QString UnitRegistry::printNumber(double value, const QString& property) const
 
 bool UnitRegistry::parseValue(const QString& text, double& value, const std::string& property) const
 {
-    const AttributeInfo* info = slot(property);
-    const boost::shared_ptr<UnitManager> manager = info ? getCategory(info->m_category) : nullptr;
-    if (!manager)
+    boost::shared_ptr<UnitManager> manager;
+    const AttributeInfo* info = withUnits(slot(property), manager);
+    if (!info)
         return false;
     QString number;
     // The manager's compiled pattern; without a match the whole text is given to the reader.

@@ -410,6 +410,8 @@ private:
     void changed(const AttributeInfo& info) { emit property_changed(info.m_name, info.m_index); }
     static std::string deduceCategory(const std::string& name);
     void applyUnitKey(AttributeInfo& info, const UnitManager& manager, int key);
+    /// `info` when it has a category manager and a display unit (setting `manager`), else null.
+    const AttributeInfo* withUnits(const AttributeInfo* info, boost::shared_ptr<UnitManager>& manager) const;
 
     QPointer<DisplayUnitManager> m_displayUnitManager;
     PropertyVector m_properties;
