@@ -40,7 +40,7 @@ void UnitManager::setup(int precision)
     m_regex = QRegExp(m_regexString, Qt::CaseSensitive, QRegExp::RegExp);
     for (const QString& tag : m_unitTags)
         if (!tag.isEmpty() && isLiteralTag(tag))
-            m_literalTags.insert(tag);
+            m_literalTags.append(tag);
 
     if (!m_category.empty() && m_displayUnitManager)
         m_displayUnitManager->registerUnit(m_category, m_defaultDisplayUnit, precision, m_unitNames);
@@ -83,14 +83,7 @@ QString UnitManager::getUnitTag(int unit) const
     return (unit >= 0 && unit < m_unitCount) ? m_unitTags.value(unit) : QString();
 }
 
-int UnitManager::getUnitKey(const QString& text) const
-{
-    const int rows = qMin(m_unitCount, m_unitNames.size());
-    for (int i = 0; i < rows; ++i)
-        if (m_unitNames.at(i) == text || m_unitTags.at(i) == text)
-            return i;
-    return -1;
-}
+int UnitManager::getUnitKey(const QString& text) const { return unitKey(QStringRef(&text)); }
 
 QString UnitManager::getCategoryDisplayName(const std::string&)
 {
@@ -351,7 +344,7 @@ bool isLiteralTag(const QString& tag)
 }
 } // namespace
 
-bool UnitManager::quickMatch(const QString& text, QString* number, QString* tag) const
+bool UnitManager::quickMatch(const QString& text, QStringRef& number, QStringRef& tag) const
 {
     // The common shapes "<number>" and "<number> <tag>", with the number at the start and an
     // exact tag up to the end of the text, have only one possible match of the pattern: the
@@ -379,33 +372,46 @@ bool UnitManager::quickMatch(const QString& text, QString* number, QString* tag)
     int rest = end;
     while (rest < n && text[rest].isSpace())
         ++rest;
-    QString unit;
-    if (rest < n) {
-        if (rest == end)
-            return false;
-        unit = text.mid(rest);
-        if (!m_literalTags.contains(unit))
-            return false;
-    }
-    if (number)
-        *number = text.left(end);
-    if (tag)
-        *tag = unit;
+    const QStringRef unit = text.midRef(rest);
+    if (!unit.isEmpty() && (rest == end || !m_literalTags.contains(unit)))
+        return false;
+    number = text.leftRef(end);
+    tag = unit;
     return true;
 }
 
-int UnitManager::matchPattern(const QString& text, QString* number, QString* tag) const
+int UnitManager::matchPattern(const QString& text, QStringRef& number, QStringRef& tag) const
 {
     if (quickMatch(text, number, tag))
         return 0;
     const int pos = m_regex.indexIn(text, 0);
     if (pos >= 0) {
-        if (number)
-            *number = m_regex.cap(1);
-        if (tag)
-            *tag = m_regex.cap(3);
+        number = text.midRef(m_regex.pos(1), m_regex.cap(1).size());
+        tag = m_regex.pos(3) < 0 ? QStringRef() : text.midRef(m_regex.pos(3), m_regex.cap(3).size());
     }
     return pos;
+}
+
+int UnitManager::matchPattern(const QString& text, QString* number, QString* tag) const
+{
+    QStringRef numberText, tagText;
+    const int pos = matchPattern(text, numberText, tagText);
+    if (pos >= 0) {
+        if (number)
+            *number = numberText.toString();
+        if (tag)
+            *tag = tagText.toString();
+    }
+    return pos;
+}
+
+int UnitManager::unitKey(const QStringRef& text) const
+{
+    const int rows = qMin(m_unitCount, m_unitNames.size());
+    for (int i = 0; i < rows; ++i)
+        if (m_unitNames.at(i) == text || m_unitTags.at(i) == text)
+            return i;
+    return -1;
 }
 
 bool UnitManager::parseValue(const QString& text, double& value, int to, int* unitOut) const
@@ -415,8 +421,8 @@ bool UnitManager::parseValue(const QString& text, double& value, int to, int* un
     if (to == -1)
         to = m_modelUnit;
 
-    QString number, tag;
-    if (matchPattern(text, &number, &tag) < 0)
+    QStringRef number, tag;
+    if (matchPattern(text, number, tag) < 0)
         return false;
     bool ok = false;
     value = number.toDouble(&ok);
@@ -425,7 +431,7 @@ bool UnitManager::parseValue(const QString& text, double& value, int to, int* un
 
     int source = displayUnit();
     if (!tag.isEmpty()) {
-        source = getUnitKey(tag);
+        source = unitKey(tag);
         if (source == -1)
             return false;
     }
@@ -439,8 +445,8 @@ bool UnitManager::parseNumber(const QString& text, double& value, int* unitOut) 
 {
     if (!m_displayUnitManager)
         return false;
-    QString number;
-    const int pos = matchPattern(text, &number, nullptr);
+    QStringRef number, tag;
+    const int pos = matchPattern(text, number, tag);
     if (pos < 0)
         return false;
     bool ok = false;
@@ -451,7 +457,7 @@ bool UnitManager::parseNumber(const QString& text, double& value, int* unitOut) 
     // Kept as it has always behaved: a number that starts late is looked up as a unit name,
     // which nearly always fails, so only text whose number starts early is accepted.
     if (pos >= 2) {
-        unit = getUnitKey(number);
+        unit = unitKey(number);
         if (unit == -1)
             return false;
     }

@@ -5,7 +5,6 @@
 
 #include <QObject>
 #include <QRegExp>
-#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -98,6 +97,8 @@ public:
     /// Applies the compiled pattern to `text`: the position of the match (-1 for none), the
     /// number's text and the tag's text.
     int matchPattern(const QString& text, QString* number, QString* tag) const;
+    /// The same, as views into `text` (no copies).
+    int matchPattern(const QString& text, QStringRef& number, QStringRef& tag) const;
 
     static QString degreeString();
     static QString squaredString();
@@ -130,15 +131,16 @@ private slots:
 private:
     bool validKey(int unit) const { return unit >= 0 && unit < static_cast<int>(m_factors.size()); }
     QString formatNumber(double value, int fieldWidth, int decimals) const;
-    bool quickMatch(const QString& text, QString* number, QString* tag) const;
+    bool quickMatch(const QString& text, QStringRef& number, QStringRef& tag) const;
+    int unitKey(const QStringRef& text) const;
     void rebaseFactors(int unit);
     QString& printPlain(QString& out, double value, int from, int to, int fieldWidth, bool positive) const;
     QString& printWithoutMSP(QString& out, double value, int from, int to, int fieldWidth) const;
 
     DisplayUnitManager* m_displayUnitManager;
     QString m_regexString;
-    mutable QRegExp m_regex;     // compiled once by setup; matching keeps state, hence mutable
-    QSet<QString> m_literalTags; // tags without pattern characters, for quickMatch
+    mutable QRegExp m_regex;   // compiled once by setup; matching keeps state, hence mutable
+    QStringList m_literalTags; // tags without pattern characters, for quickMatch
     std::vector<double> m_factors;
     QStringList m_unitNames;
     QStringList m_unitTags;

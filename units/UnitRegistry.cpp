@@ -678,35 +678,35 @@ void UnitRegistry::set_property_unitDisplay(const std::string& name, const QStri
 
 // --- values by property ----------------------------------------------------
 
-const UnitRegistry::AttributeInfo* UnitRegistry::withUnits(const AttributeInfo* info,
-                                                           boost::shared_ptr<UnitManager>& manager) const
+const UnitRegistry::AttributeInfo* UnitRegistry::withUnits(const AttributeInfo* info, UnitManager*& manager) const
 {
-    manager = info ? getCategory(info->m_category) : boost::shared_ptr<UnitManager>();
+    // A plain pointer: the hot paths below need no share of ownership for the length of a call.
+    auto it = info ? m_categories.find(info->m_category) : m_categories.end();
+    manager = it == m_categories.end() ? nullptr : it->second.get();
     return manager && info->m_displayUnit != -1 ? info : nullptr;
 }
 
 double UnitRegistry::convertDisplayToModel(const double& value, const int& property) const
 {
-    boost::shared_ptr<UnitManager> manager;
+    UnitManager* manager = nullptr;
     const AttributeInfo* info = withUnits(slot(property), manager);
     return info ? manager->convert(value, info->m_displayUnit, info->m_modelUnit) : value;
 }
 
 double UnitRegistry::convertModelToDisplay(const double& value, const int& property) const
 {
-    boost::shared_ptr<UnitManager> manager;
+    UnitManager* manager = nullptr;
     const AttributeInfo* info = withUnits(slot(property), manager);
     return info ? manager->convert(value, info->m_modelUnit, info->m_displayUnit) : value;
 }
 
 void UnitRegistry::printValue(QString& out, double value, const std::string& property) const
 {
-    boost::shared_ptr<UnitManager> manager;
+    UnitManager* manager = nullptr;
     const AttributeInfo* info = withUnits(slot(property), manager);
     if (!info)
         return;
-    out =
-        printNumber(manager->convert(value, info->m_modelUnit, info->m_displayUnit), QString::fromStdString(property));
+    out = fixed(manager->convert(value, info->m_modelUnit, info->m_displayUnit), info->m_precision);
     if (!info->m_unitTag.isEmpty()) {
         out += QLatin1Char(' ');
         out += info->m_unitTag;
@@ -715,19 +715,25 @@ void UnitRegistry::printValue(QString& out, double value, const std::string& pro
 
 QString UnitRegistry::printNumber(double value, const QString& property) const
 {
-    return QStringLiteral("%1").arg(value, 0, 'f', property_precision(property.toStdString()));
+    return fixed(value, property_precision(property.toStdString()));
+}
+
+QString UnitRegistry::fixed(double value, int precision)
+{
+    // QString("%1").arg(value, 0, 'f', precision) without the placeholder scan.
+    return QString::number(value, 'f', precision);
 }
 
 bool UnitRegistry::parseValue(const QString& text, double& value, const std::string& property) const
 {
-    boost::shared_ptr<UnitManager> manager;
+    UnitManager* manager = nullptr;
     const AttributeInfo* info = withUnits(slot(property), manager);
     if (!info)
         return false;
-    QString number;
+    QStringRef number, tag;
     // The manager's compiled pattern; without a match the whole text is given to the reader.
-    if (manager->matchPattern(text, &number, nullptr) < 0)
-        number = text;
+    if (manager->matchPattern(text, number, tag) < 0)
+        number = QStringRef(&text);
     bool ok = false;
     const double read = number.toDouble(&ok);
     if (ok)

@@ -411,7 +411,8 @@ private:
     static std::string deduceCategory(const std::string& name);
     void applyUnitKey(AttributeInfo& info, const UnitManager& manager, int key);
     /// `info` when it has a category manager and a display unit (setting `manager`), else null.
-    const AttributeInfo* withUnits(const AttributeInfo* info, boost::shared_ptr<UnitManager>& manager) const;
+    const AttributeInfo* withUnits(const AttributeInfo* info, UnitManager*& manager) const;
+    static QString fixed(double value, int precision);
 
     QPointer<DisplayUnitManager> m_displayUnitManager;
     PropertyVector m_properties;
