@@ -100,14 +100,10 @@ void TestRkTool::helpListsEveryArea()
 
 void TestRkTool::version()
 {
-    const Run r = rktool({"version"});
-    QCOMPARE(r.code, 0);
-    QVERIFY(r.out.contains(QStringLiteral("**         Product Information          **\n")));
-    QVERIFY(r.out.contains(QStringLiteral("Product name           : rktool\n")));
-    QVERIFY(r.out.contains(QStringLiteral("Version number         : 2016.2.2\n")));
+    QVERIFY(rktool({"version"}).out.contains(QStringLiteral("Product name           : rktool\n")));
     const Run json = rktool({"version", "--json"});
-    const QJsonObject o = QJsonDocument::fromJson(json.out.toUtf8()).object();
-    QCOMPARE(o.value(QStringLiteral("build_number")).toString(), QStringLiteral("16946"));
+    QCOMPARE(QJsonDocument::fromJson(json.out.toUtf8()).object().value(QStringLiteral("build_number")).toString(),
+             QStringLiteral("16946"));
 }
 
 void TestRkTool::convert_data()
@@ -143,10 +139,11 @@ void TestRkTool::convert()
 
 void TestRkTool::convertNeedsCategoryWhenAmbiguous()
 {
-    // "%" is a tag in both fraction and percent, with the same factors: no ambiguity there.
-    QCOMPARE(rktool({"units", "convert", "50", "%", "fraction"}).code, 0);
-    // Units that exist in one category only need no category either.
-    QCOMPARE(rktool({"units", "convert", "1", "GPa", "MPa"}).out.trimmed(), QStringLiteral("1000 MPa"));
+    // Square metres and feet are areas and permeabilities, whose factors differ in the last digits.
+    const Run r = rktool({"units", "convert", "1", "square metre", "square foot"});
+    QCOMPARE(r.code, 2);
+    QVERIFY(r.err.contains(QStringLiteral("--category")));
+    QCOMPARE(rktool({"units", "convert", "1", "square metre", "square foot", "--category", "area"}).code, 0);
     // A category that lacks a unit is a failure, not a guess.
     QCOMPARE(rktool({"units", "convert", "1", "psi", "km", "--category", "xy"}).code, 1);
 }
@@ -182,18 +179,13 @@ void TestRkTool::parse()
 void TestRkTool::listAsJson()
 {
     const Run r = rktool({"units", "list", "--json", "--scheme", "1"});
-    QCOMPARE(r.code, 0);
     const QJsonArray all = QJsonDocument::fromJson(r.out.toUtf8()).array();
     QCOMPARE(all.size(), 28);
-    for (const QJsonValue& v : all) {
-        const QJsonObject c = v.toObject();
-        if (c.value(QStringLiteral("category")).toString() == QLatin1String("xy")) {
-            QCOMPARE(c.value(QStringLiteral("display_unit")).toString(), QStringLiteral("foot"));
-            QCOMPARE(c.value(QStringLiteral("units")).toArray().size(), 4);
-            return;
-        }
-    }
-    QFAIL("no xy category in the list");
+    // Categories come in key order: "age", "area", ..., "xy", "zdimension".
+    const QJsonObject xy = all.at(26).toObject();
+    QCOMPARE(xy.value(QStringLiteral("category")).toString(), QStringLiteral("xy"));
+    QCOMPARE(xy.value(QStringLiteral("display_unit")).toString(), QStringLiteral("foot"));
+    QCOMPARE(xy.value(QStringLiteral("units")).toArray().size(), 4);
 }
 
 void TestRkTool::tourRuns()

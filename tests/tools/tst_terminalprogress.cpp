@@ -13,43 +13,34 @@ using rktool::TerminalProgress;
 
 namespace {
 
-// Points stderr at the slave side of a pseudo-terminal for the life of the object.
-class StderrOnTerminal {
-public:
+// Points stderr at a pseudo-terminal for the life of the object; `drain` reads what was drawn.
+struct StderrOnTerminal {
+    int master = -1, slave = -1, saved = -1;
     StderrOnTerminal()
     {
-        if (::openpty(&m_master, &m_slave, nullptr, nullptr, nullptr) != 0)
-            return;
-        ::fcntl(m_master, F_SETFL, O_NONBLOCK);
-        m_saved = ::dup(2);
-        ::dup2(m_slave, 2);
+        if (::openpty(&master, &slave, nullptr, nullptr, nullptr) == 0) {
+            ::fcntl(master, F_SETFL, O_NONBLOCK);
+            saved = ::dup(2);
+            ::dup2(slave, 2);
+        }
     }
     ~StderrOnTerminal()
     {
-        if (m_saved >= 0) {
-            ::dup2(m_saved, 2);
-            ::close(m_saved);
-        }
-        if (m_master >= 0) {
-            ::close(m_master);
-            ::close(m_slave);
-        }
+        if (saved < 0)
+            return;
+        ::dup2(saved, 2);
+        ::close(saved);
+        ::close(master);
+        ::close(slave);
     }
-    bool ok() const { return m_saved >= 0; }
     QByteArray drain()
     {
         QByteArray all;
         char buffer[4096];
-        ssize_t n;
-        while ((n = ::read(m_master, buffer, sizeof buffer)) > 0)
+        for (ssize_t n; (n = ::read(master, buffer, sizeof buffer)) > 0;)
             all.append(buffer, static_cast<int>(n));
         return all;
     }
-
-private:
-    int m_master = -1;
-    int m_slave = -1;
-    int m_saved = -1;
 };
 
 } // namespace
@@ -80,7 +71,7 @@ void TestTerminalProgress::silentWhenNotATerminal()
 void TestTerminalProgress::drawsOnATerminal()
 {
     StderrOnTerminal terminal;
-    if (!terminal.ok())
+    if (terminal.saved < 0)
         QSKIP("no pseudo-terminal available");
     TerminalProgress p(200);
     QVERIFY(p.drawing());
