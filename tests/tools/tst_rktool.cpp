@@ -156,6 +156,9 @@ void TestRkTool::printUnderSchemes()
     QCOMPARE(rktool({"units", "print", "304.8", "--category", "xy", "--scheme", "2"}).out, QStringLiteral("304.8 m\n"));
     QCOMPARE(rktool({"units", "print", "1609.344", "--category", "xy", "--unit", "mi"}).out,
              QStringLiteral("1.0 mi\n"));
+    const Run json = rktool({"units", "print", "-1609.344", "--category", "xy", "--unit", "mi", "--json"});
+    QCOMPARE(QJsonDocument::fromJson(json.out.toUtf8()).object().value(QStringLiteral("display_value")).toDouble(),
+             -1.0);
 }
 
 void TestRkTool::parse()

@@ -164,6 +164,7 @@ int runConvert(UnitRegistry& registry, Args& args, Io& io)
 
 int runPrint(UnitRegistry& registry, Args& args, Io& io)
 {
+    const bool json = args.flag(QStringLiteral("--json"));
     ManagerPtr manager = categoryOption(registry, args, true);
     const DisplayUnitId scheme = schemeOption(args);
     const QString unit = args.option(QStringLiteral("--unit"));
@@ -176,7 +177,14 @@ int runPrint(UnitRegistry& registry, Args& args, Io& io)
             throw UsageError{QStringLiteral("category '%1' has no unit '%2'").arg(categoryName(manager), unit)};
         manager->displayUnit(key);
     }
-    io.out << manager->printValue(value).trimmed() << "\n";
+    const QString text = manager->printValue(value).trimmed();
+    if (json) {
+        printJson(io, QJsonObject{{QStringLiteral("text"), text},
+                                  {QStringLiteral("display_value"), manager->convertModelToDisplay(value)},
+                                  {QStringLiteral("display_unit"), manager->getDisplayUnitName()}});
+        return Success;
+    }
+    io.out << text << "\n";
     return Success;
 }
 
@@ -279,7 +287,7 @@ const AreaRegistration registration{
     Area{10, QStringLiteral("units"), QStringLiteral("list, convert, print and parse values in the unit catalogue"),
          QStringLiteral("Usage: rktool units list [--scheme 0|1|2] [--json]\n"
                         "       rktool units convert <value> <from> <to> [--category C] [--json]\n"
-                        "       rktool units print <value> --category C [--scheme 0|1|2] [--unit U]\n"
+                        "       rktool units print <value> --category C [--scheme 0|1|2] [--unit U] [--json]\n"
                         "       rktool units parse \"<text>\" --category C [--scheme 0|1|2] [--json]\n\n"
                         "list     every category: its display name, quantity, units with tags, and how it is\n"
                         "         shown under the chosen display scheme (0 metric, 1 imperial, 2 metric\n"
