@@ -32,43 +32,26 @@ struct Case {
 
 // clang-format off
 const Case kCases[] = {
-    // Length: 1 km, 3 mi; small length: 3 cm, 5 mi, 6 ft, 7 in; grain size: 2 mm, 3 um.
+    // Length: 1 km, 3 mi; small length: 5 mi, 6 ft.
     {"5 km in mi", M(Length), 5.0, 1, 3, 3.10685596118667, 0, 1e-13},         // '5 km' 'mi'
     {"12 mi in km", M(Length), 12.0, 3, 1, 19.312128, 0, 1e-14},              // '12 mi' 'km'
-    {"1 ft in m", M(Length), 1.0, 2, 0, 0.3048, 0, 1e-15},                    // '1 ft' 'm'
-    {"1 in in cm", M(SmallLength), 1.0, 7, 3, 2.54, 0, 1e-15},                // '1 inch' 'cm'
     {"3 mi in ft", M(SmallLength), 3.0, 5, 6, 15840.0, 0, 1e-15},             // '3 mi' 'ft'
-    {"1 um in mm", M(SedimentGrain), 1.0, 3, 2, 0.001, 0, 1e-14},             // '1 micron' 'mm'
-    // Area: 0 m2, 1 km2, 2 ft2, 3 mi2; volume: 0 m3, 1 ft3, 2 km3, 3 mi3.
+    // Area: 1 km2, 3 mi2; volume: 2 km3, 3 mi3.
     {"3 mi2 in km2", M(Area), 3.0, 3, 1, 7.769964331008, 0, 1e-13},           // '3 mi^2' 'km^2'
-    {"1 ft2 in m2", M(Area), 1.0, 2, 0, 0.09290304, 0, 1e-15},                // '1 ft^2' 'm^2'
     {"2 km3 in mi3", M(Volume), 2.0, 2, 3, 0.479825517157855, 0, 1e-13},      // '2 km^3' 'mi^3'
-    {"1 ft3 in m3", M(Volume), 1.0, 1, 0, 0.028316846592, 0, 1e-14},          // '1 ft^3' 'm^3'
-    // Pressure: 0 kPa, 2 GPa, 3 bar, 4 kbar.
+    // Pressure: 2 GPa, 4 kbar.
     {"1 GPa in kbar", M(Pressure), 1.0, 2, 4, 10.0, 0, 1e-15},                // '1 GPa' 'kbar'
-    {"250 kPa in bar", M(Pressure), 250.0, 0, 3, 2.5, 0, 1e-15},              // '250 kPa' 'bar'
     // Temperature: 0 Celsius, 1 Fahrenheit, 2 kelvin, through GNU units' function syntax.
     {"37 C in F", M(Temperature), 37.0, 0, 1, 98.6, 0, 1e-14},                // 'tempC(37)' 'tempF'
-    {"-40 F in C", M(Temperature), -40.0, 1, 0, -40.0, 0, 1e-14},             // 'tempF(-40)' 'tempC'
     {"25 C in K", M(Temperature), 25.0, 0, 2, 298.15, 0, 1e-14},              // 'tempC(25)' 'K'
-    {"212 F in K", M(Temperature), 212.0, 1, 2, 373.15, 0, 1e-14},            // 'tempF(212)' 'K'
     {"300 K in C", M(Temperature), 300.0, 2, 0, 26.85, 0, 1e-13},             // '300 K' 'tempC'
-    {"0 K in F", M(Temperature), 0.0, 2, 1, -459.67, 0, 1e-14},               // '0 K' 'tempF'
-    // Permeability: 0 D, 1 mD.
-    {"1 mD in D", M(Permeability), 1.0, 1, 0, 0.001, 0, 1e-15},               // '1 millidarcy' 'darcy'
     // Per length, area and volume: 0 per metre, 1 per kilometre, 2 per foot, 3 per mile.
     {"1 /ft in /m", M(DimensionFrequency), 1.0, 2, 0, 3.28083989501312, 0, 1e-13},           // '1 /ft' '/m'
     {"10 /mi in /km", M(DimensionFrequency), 10.0, 3, 1, 6.21371192237334, 0, 1e-13},        // '10 /mi' '/km'
     {"1 /mi in /m", M(DepthCoefficient), 1.0, 3, 0, 0.000621371192237334, 0, 1e-13},         // '1 /mi' '/m'
-    {"1 /km in /m", M(DepthCoefficient), 1.0, 1, 0, 0.001, 0, 1e-15},                        // '1 /km' '/m'
     {"1 /ft2 in /m2", M(DimensionFrequencySquared), 1.0, 2, 0, 10.7639104167097, 0, 1e-13},  // '1 /ft^2' '/m^2'
-    {"1 /mi2 in /m2", M(DimensionFrequencySquared), 1.0, 3, 0, 3.86102158542446e-07, 0, 1e-13}, // '1 /mi^2' '/m^2'
-    {"1 /km2 in /m2", M(DimensionFrequencySquared), 1.0, 1, 0, 1e-06, 0, 1e-15},             // '1 /km^2' '/m^2'
     {"1 /ft3 in /m3", M(PerVolume), 1.0, 2, 0, 35.3146667214886, 0, 1e-13},                  // '1 /ft^3' '/m^3'
-    {"1 /mi3 in /m3", M(PerVolume), 1.0, 3, 0, 2.39912758578928e-10, 0, 1e-13},              // '1 /mi^3' '/m^3'
-    // Velocity, density, fracture intensity.
-    {"1 ft/s in m/s", M(Velocity), 1.0, 1, 0, 0.3048, 0, 1e-15},              // '1 ft/s' 'm/s'
-    {"1 g/cm3 in kg/m3", M(Density), 1.0, 1, 0, 1000.0, 0, 1e-15},            // '1 g/cm^3' 'kg/m^3'
+    // Fracture intensity.
     {"1 ft2/ft3 in m2/m3", M(P32), 1.0, 1, 0, 3.28083989501312, 0, 1e-13},    // '1 ft^2/ft^3' 'm^2/m^3'
 
     // Knowing departures. The cubic kilometre row holds 1e-06 where 1e-09 is meant; stored values
