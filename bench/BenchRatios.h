@@ -20,7 +20,8 @@ public:
         ConsoleReporter::ReportRuns(runs);
     }
 
-    /// Prints one line per pair and returns false when a ratio is above its target.
+    /// Prints one line per pair and returns false when a ratio is above its target (a target of 0
+    /// or less: shown for information only).
     bool printRatios(const std::vector<std::pair<std::string, std::string>>& pairs,
                      const std::vector<double>& targets) const
     {
@@ -31,6 +32,10 @@ public:
             if (a == m_times.end() || b == m_times.end() || b->second <= 0)
                 continue;
             const double ratio = a->second / b->second;
+            if (targets[i] <= 0) { // shown for information, no target
+                std::printf("%-44s %-30s %8.2f %8s\n", pairs[i].first.c_str(), pairs[i].second.c_str(), ratio, "-");
+                continue;
+            }
             const bool met = ratio <= targets[i];
             allMet = allMet && met;
             std::printf("%-44s %-30s %8.2f %7.1fx%s\n", pairs[i].first.c_str(), pairs[i].second.c_str(), ratio,

@@ -23,10 +23,9 @@ const std::vector<double>& numbers()
 
 const QStringList& texts()
 {
-    static const QStringList values = {QStringLiteral("0"),         QStringLiteral("1.5"),
-                                       QStringLiteral("-12.25"),    QStringLiteral("1234.5678"),
-                                       QStringLiteral("98765.4321"), QStringLiteral("-0.001"),
-                                       QStringLiteral("3.0e5"),     QStringLiteral("42")};
+    static const QStringList values = {
+        QStringLiteral("0"),          QStringLiteral("1.5"),    QStringLiteral("-12.25"), QStringLiteral("1234.5678"),
+        QStringLiteral("98765.4321"), QStringLiteral("-0.001"), QStringLiteral("3.0e5"),  QStringLiteral("42")};
     return values;
 }
 
@@ -107,6 +106,20 @@ void BM_ParseValueWithTag(benchmark::State& state)
 }
 BENCHMARK(BM_ParseValueWithTag);
 
+// Text outside the common "<number> [tag]" shapes is read by the full pattern.
+void BM_ParseValueThroughPattern(benchmark::State& state)
+{
+    const auto xy = registry().getXyUnitManager();
+    QStringList odd;
+    for (const QString& t : texts())
+        odd << QStringLiteral("~") + t + QStringLiteral("km");
+    double value = 0;
+    for (auto _ : state)
+        for (const QString& t : odd)
+            benchmark::DoNotOptimize(xy->parseValue(t, value));
+}
+BENCHMARK(BM_ParseValueThroughPattern);
+
 void BM_RegistryParseValue(benchmark::State& state)
 {
     const UnitRegistry& r = registry();
@@ -131,7 +144,8 @@ int main(int argc, char** argv)
                           {"BM_RegistryPrintValue", "BM_BareArg"},
                           {"BM_ParseValue", "BM_BareToDouble"},
                           {"BM_ParseValueWithTag", "BM_BareToDouble"},
-                          {"BM_RegistryParseValue", "BM_BareToDouble"}},
-                         {2.0, 2.0, 3.0, 3.0, 3.0});
+                          {"BM_RegistryParseValue", "BM_BareToDouble"},
+                          {"BM_ParseValueThroughPattern", "BM_BareToDouble"}},
+                         {2.0, 2.0, 3.0, 3.0, 3.0, 0.0});
     return 0;
 }
