@@ -83,41 +83,27 @@ void BM_BareToDouble(benchmark::State& state)
 }
 BENCHMARK(BM_BareToDouble);
 
-void BM_ParseValue(benchmark::State& state)
+// parseValue on the same numbers wrapped as `prefix + number + suffix`.
+void parseWrapped(benchmark::State& state, const QString& prefix, const QString& suffix)
 {
     const auto xy = registry().getXyUnitManager();
-    double value = 0;
-    for (auto _ : state)
-        for (const QString& t : texts())
-            benchmark::DoNotOptimize(xy->parseValue(t, value));
-}
-BENCHMARK(BM_ParseValue);
-
-void BM_ParseValueWithTag(benchmark::State& state)
-{
-    const auto xy = registry().getXyUnitManager();
-    QStringList tagged;
+    QStringList wrapped;
     for (const QString& t : texts())
-        tagged << t + QStringLiteral(" km");
+        wrapped << prefix + t + suffix;
     double value = 0;
     for (auto _ : state)
-        for (const QString& t : tagged)
+        for (const QString& t : wrapped)
             benchmark::DoNotOptimize(xy->parseValue(t, value));
 }
-BENCHMARK(BM_ParseValueWithTag);
-
+void BM_ParseValue(benchmark::State& state) { parseWrapped(state, QString(), QString()); }
+void BM_ParseValueWithTag(benchmark::State& state) { parseWrapped(state, QString(), QStringLiteral(" km")); }
 // Text outside the common "<number> [tag]" shapes is read by the full pattern.
 void BM_ParseValueThroughPattern(benchmark::State& state)
 {
-    const auto xy = registry().getXyUnitManager();
-    QStringList odd;
-    for (const QString& t : texts())
-        odd << QStringLiteral("~") + t + QStringLiteral("km");
-    double value = 0;
-    for (auto _ : state)
-        for (const QString& t : odd)
-            benchmark::DoNotOptimize(xy->parseValue(t, value));
+    parseWrapped(state, QStringLiteral("~"), QStringLiteral("km"));
 }
+BENCHMARK(BM_ParseValue);
+BENCHMARK(BM_ParseValueWithTag);
 BENCHMARK(BM_ParseValueThroughPattern);
 
 void BM_RegistryParseValue(benchmark::State& state)
