@@ -1,6 +1,8 @@
 #pragma once
-// One include for everything the library exports.
+/// \file rkBaseQt.h
+/// \brief One include for everything the library exports.
 
+#include "rkBaseQtVersion.h"
 #include "rkbaseqt_export.h"
 
 #include "core/GDALException.h"

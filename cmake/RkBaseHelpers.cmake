@@ -10,3 +10,16 @@ function(rkbase_add_qtest name)
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C;RKBASE_CORPUS=${RKBASE_CORPUS_DIR}"
     LABELS "${T_LABELS}")
 endfunction()
+
+# rkbase_public_dependency(FIND "<find_dependency arguments>" [PC "<pkg-config modules>"])
+# Records a package that the library's public headers or link interface expose, so that the
+# installed CMake package and pkg-config file ask for it too.
+function(rkbase_public_dependency)
+  cmake_parse_arguments(D "" "FIND;PC" "" ${ARGN})
+  if(D_FIND)
+    set_property(GLOBAL APPEND PROPERTY RKBASE_FIND_DEPENDENCIES "find_dependency(${D_FIND})")
+  endif()
+  if(D_PC)
+    set_property(GLOBAL APPEND PROPERTY RKBASE_PC_REQUIRES "${D_PC}")
+  endif()
+endfunction()
