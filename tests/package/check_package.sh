@@ -1,6 +1,8 @@
 #!/bin/sh
-# Installs a build of rkBaseQt into a scratch folder and proves that an outside project can use
-# the installed files alone: find_package + target_link_libraries, and pkg-config.
+# Installs a build of rkBaseQt into a scratch folder, moves the installed tree to another folder,
+# and proves that an outside project can use the moved files alone (find_package +
+# target_link_libraries, and pkg-config) and that the outside program and the installed rktool
+# start with a clean environment: no LD_LIBRARY_PATH, the libraries found through RUNPATH.
 #
 # check_package.sh <cmake> <build dir> <outside project> <generator> <c++ compiler> <libdir>
 #                  <config> [<Qt5_DIR>] [<source dir>] [<compiler and linker flags>]
@@ -45,11 +47,39 @@ outsideFiles=$(cd "$stage" && find . -type f ! -path ".$prefix/*")
 [ -z "$outsideFiles" ] || fail "files installed outside the prefix: $outsideFiles"
 
 for f in include/rkBaseQt/rkBaseQt.h include/rkBaseQt/rkbaseqt_export.h include/rkBaseQt/rkbase_export.h \
+    include/rkBaseQt/rkBaseQtVersion.h \
     include/rkBaseQt/units/UnitManager.h include/rkBaseQt/frame/rkProductInfo.h include/rkBaseQt/core/rkDestructor.h \
     "$libdir/cmake/rkBaseQt/rkBaseQtConfig.cmake" "$libdir/cmake/rkBaseQt/rkBaseQtConfigVersion.cmake" \
     "$libdir/cmake/rkBaseQt/rkBaseQtTargets.cmake" "$libdir/pkgconfig/rkBaseQt.pc"; do
     [ -f "$root/$f" ] || fail "not installed: $f"
 done
+# Move the tree: nothing installed may depend on the prefix it was installed to.
+moved=$work/moved/elsewhere
+mkdir -p "$work/moved"
+mv "$root" "$moved"
+root=$moved
+
+# A clean environment for the programs: sanitizer settings pass through, library paths do not.
+clean_env() {
+    env -i PATH=/usr/bin:/bin HOME="$work" LC_ALL=C QT_QPA_PLATFORM=offscreen \
+        ${ASAN_OPTIONS:+ASAN_OPTIONS="$ASAN_OPTIONS"} ${LSAN_OPTIONS:+LSAN_OPTIONS="$LSAN_OPTIONS"} \
+        ${UBSAN_OPTIONS:+UBSAN_OPTIONS="$UBSAN_OPTIONS"} "$@"
+}
+
+echo "== RUNPATH of the installed binaries"
+for f in "$root/bin/rktool" "$root/$libdir/librkBaseQt.so" "$root/$libdir/librkBase.so"; do
+    [ -e "$f" ] || fail "not installed: $f"
+    runpath=$(readelf -d "$f" | sed -n 's/.*(R[UN]*PATH).*\[\(.*\)\]/\1/p')
+    echo "$(basename "$f"): $runpath"
+    case $runpath in *'$ORIGIN'*) ;; *) fail "$f has no \$ORIGIN RUNPATH ($runpath)" ;; esac
+    case $runpath in *"$build"*|*"$work"*) fail "$f names a build or install folder in its RUNPATH: $runpath" ;; esac
+done
+
+echo "== the moved rktool, clean environment"
+version=$(clean_env "$root/bin/rktool" version) || fail "installed rktool does not start: $version"
+echo "$version"
+case $version in *2016.2.2*) ;; *) fail "installed rktool printed no version: $version" ;; esac
+
 private=$(cd "$root" && find . -name '*_p.h')
 [ -z "$private" ] || fail "private headers installed: $private"
 
@@ -72,8 +102,8 @@ app=$work/build/app
 [ -x "$app" ] || app=$work/build/$config/app
 [ -x "$app" ] || fail "outside program not built"
 
-echo "== run it"
-LD_LIBRARY_PATH="$root/$libdir${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}" "$app" || fail "outside program"
+echo "== run it, clean environment"
+clean_env "$app" || fail "outside program"
 
 echo "== pkg-config"
 command -v pkg-config >/dev/null 2>&1 || fail "pkg-config not found"

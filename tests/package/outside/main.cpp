@@ -7,6 +7,12 @@
 
 #include <cstdio>
 
+// The version header is reachable through the umbrella header and compares at compile time.
+#if !defined(RKBASEQT_VERSION) || RKBASEQT_VERSION < RKBASEQT_VERSION_CHECK(2016, 2, 0) || \
+    RKBASEQT_VERSION >= RKBASEQT_VERSION_CHECK(2017, 0, 0)
+#error "rkBaseQtVersion.h missing or wrong"
+#endif
+
 class FurlongManager : public rkBase::UnitManager {
     Q_OBJECT
 
@@ -41,6 +47,8 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
     rkBase::rkProductInfo& info = rkBase::rkProductInfo::instance();
     info.init("rktest");
+    const QString version = QString::fromStdString(info.version_number());
+    check(version == QLatin1String(RKBASEQT_VERSION_STRING), "headers and library agree on the version", version);
     const QString marketing = QString::fromStdString(info.marketing_name());
     check(marketing == QLatin1String("rktest2016.2"), "marketing name", marketing);
     check(QCoreApplication::applicationName() == QLatin1String("rktest2016"), "application name",
