@@ -190,6 +190,117 @@ def gif(frames, palette, delay):
     return data + b"\x3b"
 
 
+# --- tool icons and cursors ----------------------------------------------------------------
+BLUE, PALE = (50, 110, 190), (205, 228, 248)
+
+
+def lens(c, sign):
+    """Magnifier with a plus or a minus in the glass."""
+    c.fill(INK, disc(13, 13, 10)).fill(PALE, disc(13, 13, 7)).fill(INK, segment(20, 20, 28, 28, 4.5))
+    c.fill(BLUE, box(8, 12, 18, 14))
+    if sign == "+":
+        c.fill(BLUE, box(12, 8, 14, 18))
+    return c
+
+
+def cross_arrows(cx, cy, reach, shaft, head):
+    """A four-way arrow around (cx, cy): the sign of moving the view."""
+    pts = []
+    for dx, dy in ((0, -1), (1, 0), (0, 1), (-1, 0)):
+        px, py = -dy, dx  # perpendicular, turning clockwise
+        base = reach - head
+        pts += [(cx + dx * shaft + px * -shaft, cy + dy * shaft + py * -shaft),
+                (cx + dx * base - px * shaft, cy + dy * base - py * shaft),
+                (cx + dx * base - px * head, cy + dy * base - py * head),
+                (cx + dx * reach, cy + dy * reach),
+                (cx + dx * base + px * head, cy + dy * base + py * head),
+                (cx + dx * base + px * shaft, cy + dy * base + py * shaft)]
+    return pts
+
+
+POINTER = [(1, 1), (1, 24), (7, 18), (12, 29), (16, 27), (11, 17), (19, 17)]
+
+
+def ruler():
+    c = Canvas(32)
+    body = [(2, 22), (22, 2), (30, 10), (10, 30)]
+    outline(c.fill((240, 205, 110), polygon(body)), (120, 85, 20), body, 1.2)
+    for k in range(1, 6):  # ticks along the lower-left edge, every fourth one longer
+        t = k / 6
+        x, y = 2 + 20 * t, 22 - 20 * t
+        length = 5 if k % 3 == 0 else 3
+        c.fill(INK, segment(x, y, x + length * 0.7, y + length * 0.7, 1.2))
+    return c
+
+
+def pick():
+    c = Canvas(32).fill(INK, disc(16, 16, 9)).fill(None, disc(16, 16, 7))
+    for a, b in (((16, 2), (16, 11)), ((16, 21), (16, 30)), ((2, 16), (11, 16)), ((21, 16), (30, 16))):
+        c.fill(INK, segment(*a, *b, 2))
+    return c.fill((200, 40, 40), disc(16, 16, 2))
+
+
+def haloed(shape_of, width=2.0):
+    """A cursor: ink with a white rim so that it shows on dark and light maps alike."""
+    c = Canvas(32)
+    shape_of(c, WHITE, width)
+    shape_of(c, INK, 0.0)
+    return c
+
+
+def cross_cursor(c, colour, grow):
+    for a, b in (((15.5, 1), (15.5, 12)), ((15.5, 19), (15.5, 30)), ((1, 15.5), (12, 15.5)), ((19, 15.5), (30, 15.5))):
+        c.fill(colour, segment(*a, *b, 1 + 2 * grow))
+    c.fill(colour, disc(15.5, 15.5, 1 + grow))
+
+
+def lens_cursor(sign):
+    def draw(c, colour, grow):
+        c.fill(colour, disc(12.5, 12.5, 9 + grow)).fill(colour, segment(19, 19, 29, 29, 4 + 2 * grow))
+        if colour == INK:
+            c.fill(WHITE, disc(12.5, 12.5, 7)).fill(INK, box(8, 12, 17, 13))
+            if sign == "+":
+                c.fill(INK, box(12, 8, 13, 17))
+    return draw
+
+
+def pan_cursor(c, colour, grow):
+    pts = cross_arrows(15.5, 15.5, 13, 1.5, 5)
+    c.fill(colour, polygon(pts))
+    if grow:
+        outline(c, colour, pts, 2 * grow)
+
+
+def pointer_cursor(c, colour, grow):
+    c.fill(colour, polygon(POINTER))
+    if grow:
+        outline(c, colour, POINTER, 2 * grow)
+
+
+def pencil_cursor(c, colour, grow):
+    # A pencil lying from the upper right to its tip at the lower left, pixel (2, 29).
+    c.fill(colour, segment(24, 7, 8, 23, 7 + 2 * grow))
+    c.fill(colour, polygon([(2.5, 29.5), (5, 20), (12, 27)]))
+    if grow:
+        c.fill(colour, disc(2.5, 29.5, grow + 0.5))
+
+
+# Hot spots, in pixels from the top left, of each cursor; written beside the pictures.
+CURSORS = {
+    "cross.png": (cross_cursor, (15, 15)),
+    "zoomin.png": (lens_cursor("+"), (12, 12)),
+    "zoomout.png": (lens_cursor("-"), (12, 12)),
+    "pan.png": (pan_cursor, (15, 15)),
+    "pointer.png": (pointer_cursor, (1, 1)),
+    "pencil.png": (pencil_cursor, (2, 29)),
+}
+
+
+def hotspots():
+    lines = ["name,x,y"] + [f"{name},{x},{y}" for name, (_, (x, y)) in CURSORS.items()]
+    return ("\n".join(lines) + "\n").encode()
+
+
 APP_COLOURS = {
     "rktool": [(250, 235, 200), (200, 95, 45), (235, 175, 80), (145, 60, 35), (95, 80, 70)],
     "rkdemo": [(225, 240, 250), (60, 140, 110), (130, 190, 215), (40, 90, 150), (70, 75, 95)],
@@ -204,6 +315,15 @@ PICTURES = {
     "qocoa/qprogressindicatorspinning_nonmac.gif":
         lambda: gif([spinner(f) for f in range(8)], [WHITE] + SPIN_GREYS, 10),
     **{f"tesk/{name}appicon.png": (lambda c=c: png(strata(c))) for name, c in APP_COLOURS.items()},
+    "2DTesk/zoomin.png": lambda: png(lens(Canvas(32), "+")),
+    "2DTesk/zoomout.png": lambda: png(lens(Canvas(32), "-")),
+    "2DTesk/pan.png": lambda: png(outline(Canvas(32).fill(BLUE, polygon(cross_arrows(16, 16, 15, 2, 6))),
+                                          (20, 50, 110), cross_arrows(16, 16, 15, 2, 6), 1.2)),
+    "2DTesk/select.png": lambda: png(outline(Canvas(32).fill(WHITE, polygon(POINTER)), INK, POINTER, 1.5)),
+    "2DTesk/measure.png": lambda: png(ruler()),
+    "2DTesk/pick.png": lambda: png(pick()),
+    **{f"cursor/{name}": (lambda d=draw: png(haloed(d))) for name, (draw, _) in CURSORS.items()},
+    "cursor/hotspots.csv": hotspots,
 }
 
 if __name__ == "__main__":

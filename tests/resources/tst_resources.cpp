@@ -2,7 +2,9 @@
 // (nothing calls Q_INIT_RESOURCE), and every picture decodes whole.
 #include "frame/Environment.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFontDatabase>
 #include <QImageReader>
 #include <QRegularExpression>
 #include <QSet>
@@ -25,6 +27,11 @@ private slots:
     void spinnerTurns();
     void pages_data();
     void pages();
+    void everyNamedFolderHoldsFiles_data();
+    void everyNamedFolderHoldsFiles();
+    void cursorHotSpots();
+    void fonts_data();
+    void fonts();
 };
 
 void TestResources::pictures_data()
@@ -35,6 +42,8 @@ void TestResources::pictures_data()
                              "rkBaseQt/Resources/filter.png", "model/Resources/icon_folder.png",
                              "Qocoa/qsearchfield_nonmac.png", "Qocoa/qprogressindicatorspinning_nonmac.gif"})
         QTest::newRow(name) << QStringLiteral(":/") + QLatin1String(name) << 32;
+    for (const char* tool : {"zoomin", "zoomout", "pan", "select", "measure", "pick"})
+        QTest::newRow(tool) << QStringLiteral(":/2DTesk/Resources/%1.png").arg(QLatin1String(tool)) << 32;
     for (const char* product : {"rktool", "rkdemo"})
         QTest::newRow(product) << QStringLiteral(":/tesk/Resources/%1appicon.png").arg(QLatin1String(product)) << 64;
 }
@@ -111,5 +120,68 @@ void TestResources::pages()
     QVERIFY(text.contains(QRegularExpression(QStringLiteral("<title>[^<]*\\S[^<]*</title>"), ci)));
 }
 
-QTEST_GUILESS_MAIN(TestResources)
+void TestResources::everyNamedFolderHoldsFiles_data()
+{
+    QTest::addColumn<QString>("folder");
+    for (const char* folder : {":/rkBaseQt/Resources", ":/2DTesk/Resources", ":/cursor/Resources", ":/tesk/Resources",
+                               ":/www/welcome", ":/www/fonts", ":/Qocoa", ":/model/Resources"})
+        QTest::newRow(folder) << QString::fromLatin1(folder);
+}
+
+void TestResources::everyNamedFolderHoldsFiles()
+{
+    QFETCH(QString, folder);
+    QVERIFY2(!QDir(folder).entryList(QDir::Files).isEmpty(), qPrintable(folder));
+}
+
+// Every cursor picture has one hot spot row and every row a picture; a hot spot lies on the
+// cursor's own opaque ink, where the user's click is meant to land.
+void TestResources::cursorHotSpots()
+{
+    QFile table(QStringLiteral(":/cursor/Resources/hotspots.csv"));
+    QVERIFY(table.open(QIODevice::ReadOnly | QIODevice::Text));
+    QCOMPARE(table.readLine().trimmed(), QByteArray("name,x,y"));
+    QSet<QString> listed;
+    while (!table.atEnd()) {
+        const QList<QByteArray> cells = table.readLine().trimmed().split(',');
+        QCOMPARE(cells.size(), 3);
+        const QString path = QStringLiteral(":/cursor/Resources/") + QString::fromUtf8(cells[0]);
+        listed.insert(QString::fromUtf8(cells[0]));
+        const QImage image = QImage(path).convertToFormat(QImage::Format_ARGB32);
+        QVERIFY2(!image.isNull(), qPrintable(path));
+        QCOMPARE(image.size(), QSize(32, 32));
+        const QPoint hot(cells[1].toInt(), cells[2].toInt());
+        QVERIFY2(image.rect().contains(hot), qPrintable(path));
+        QVERIFY2(qAlpha(image.pixel(hot)) == 255, qPrintable(path));
+    }
+    const QStringList pictures = QDir(QStringLiteral(":/cursor/Resources")).entryList({QStringLiteral("*.png")});
+    QCOMPARE(listed, QSet<QString>(pictures.begin(), pictures.end()));
+}
+
+void TestResources::fonts_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("style");
+    QTest::newRow("regular") << QStringLiteral("DejaVuSans.ttf") << QStringLiteral("Book");
+    QTest::newRow("bold") << QStringLiteral("DejaVuSans-Bold.ttf") << QStringLiteral("Bold");
+}
+
+// The welcome page names its fonts by family; each embedded file loads as that family, and the
+// licence that allows embedding travels with them.
+void TestResources::fonts()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, style);
+    QFile font(QStringLiteral(":/www/fonts/") + file);
+    QVERIFY(font.open(QIODevice::ReadOnly));
+    const int id = QFontDatabase::addApplicationFontFromData(font.readAll());
+    QVERIFY(id >= 0);
+    QCOMPARE(QFontDatabase::applicationFontFamilies(id), QStringList{QStringLiteral("DejaVu Sans")});
+    QVERIFY(QFontDatabase().styles(QStringLiteral("DejaVu Sans")).contains(style));
+    QFile licence(QStringLiteral(":/www/fonts/LICENSE-DejaVu.txt"));
+    QVERIFY(licence.open(QIODevice::ReadOnly));
+    QVERIFY(licence.readAll().contains("Bitstream Vera"));
+}
+
+QTEST_MAIN(TestResources)
 #include "tst_resources.moc"
