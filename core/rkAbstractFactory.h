@@ -19,8 +19,11 @@ public:
 protected:
     rkAbstractFactory() = default;
 
+    /// Throws: a second concrete factory registered under the same product name.
     [[noreturn]] static void throwDuplicateProduct(const std::string& factory, const std::string& product);
+    /// Throws: a product asked for before any concrete factory registered.
     [[noreturn]] static void throwNoConcreteFactory();
+    /// Throws: no concrete factory registered under the product name.
     [[noreturn]] static void throwUnknownProduct(const std::string& factory, const std::string& product);
 };
 

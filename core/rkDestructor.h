@@ -10,7 +10,9 @@ namespace rkBase {
 /// reverse order of their registration, as static objects would.
 class RKBASE_EXPORT rkDestructionPhase {
 public:
+    /// A phase; lower numbers run first.
     explicit rkDestructionPhase(int phase) : m_phase(phase) {}
+    /// The phase number.
     int value() const { return m_phase; }
 
 private:
@@ -24,12 +26,14 @@ private:
 /// has run, so singletons never depend on the order of static destruction.
 class RKBASE_EXPORT rkDestructor {
 public:
+    /// Registers this destructor to run in `phase`; the registry takes ownership.
     explicit rkDestructor(const rkDestructionPhase& phase);
     virtual ~rkDestructor();
 
     rkDestructor(const rkDestructor&) = delete;
     rkDestructor& operator=(const rkDestructor&) = delete;
 
+    /// The phase this destructor runs in.
     int phase() const { return m_phase; }
 
     /// Runs every destructor registered so far, phase by phase, and forgets them.
@@ -39,6 +43,7 @@ public:
     static int pending();
 
 protected:
+    /// Ends what this destructor guards; called exactly once.
     virtual void destroy() = 0;
 
 private:
@@ -50,9 +55,11 @@ private:
 /// `T` declares `friend class rkBase::TrkDestructor<T>;` when `destroy_instance` is private.
 template <class T> class TrkDestructor : public rkDestructor {
 public:
+    /// Registers the end of `T` in `phase`.
     explicit TrkDestructor(const rkDestructionPhase& phase) : rkDestructor(phase) {}
 
 protected:
+    /// Calls `T::destroy_instance()`.
     void destroy() override { T::destroy_instance(); }
 };
 

@@ -12,6 +12,7 @@ namespace rkBase {
 /// translation the source text comes back unchanged.
 class RKBASE_EXPORT rkTranslator {
 public:
+    /// The translation of `sourceText`; `n` selects a plural form as in QCoreApplication::translate.
     static QString tr(const char* sourceText, const char* disambiguation = nullptr, int n = -1);
 };
 

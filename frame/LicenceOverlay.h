@@ -14,12 +14,14 @@ namespace rkBase {
 /// is no overlay. The provider is asked at each call, so a licence change shows at once.
 class RKBASEQT_EXPORT LicenceOverlay {
 public:
+    /// Providers are held through std::shared_ptr.
     virtual ~LicenceOverlay();
     /// The text to append, or an empty string for none.
     virtual std::string overlay() const = 0;
 
     /// Installs `provider` (null removes it) and returns the one it replaces.
     static std::shared_ptr<LicenceOverlay> setProvider(std::shared_ptr<LicenceOverlay> provider);
+    /// The installed provider, or null.
     static std::shared_ptr<LicenceOverlay> provider();
 };
 

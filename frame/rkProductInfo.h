@@ -24,23 +24,33 @@ class RKBASEQT_EXPORT rkProductInfo : public QObject {
     Q_OBJECT
 
 public:
+    /// The process's one instance, made at first use.
     static rkProductInfo& instance();
+    /// The same instance, read-only.
     static const rkProductInfo& const_instance();
 
+    /// Sets the organisation, product, release numbers and build date (text such as "May 13 2016").
     void init(const std::string& organisation, const std::string& product, unsigned int major, unsigned int minor,
               char micro, const std::string& buildDate);
     /// Initialises with organisation "RKE", the release numbers of this build and its build time.
     void init(const std::string& product);
 
+    /// The organisation given to init.
     const std::string& organization_name() const { return m_organizationName; }
+    /// The product given to init.
     const std::string& product_name() const { return m_productName; }
     /// The name to show; with a licence overlay, "<name> (<overlay>)". The returned reference is
     /// to one shared string that the next call rewrites.
     const std::string& marketing_name() const;
+    /// "major.minor.micro", such as "2016.2.2".
     const std::string& version_number() const { return m_versionNumber; }
+    /// The build date given to init.
     const std::string& build_date() const { return m_buildDate; }
+    /// The build number of this library build.
     const std::string& build_number() const { return m_buildNumber; }
+    /// The release year.
     unsigned int major_version() const { return m_majorVersion; }
+    /// The minor release number.
     unsigned int minor_version() const { return m_minorVersion; }
     /// The micro value as a signed char widened to unsigned, as it was stored.
     unsigned int micro_version() const;
@@ -56,13 +66,17 @@ public:
     /// Writes the product banner, one flushed line at a time.
     void write_to_log(std::ostream& stream);
 
+    /// Asks the application to show a help page: emits openHelp(page).
     void showHelp(const QString& page);
 
 public slots:
+    /// Asks the application to show a help page outside it: emits openHelpExternal(page).
     void onShowHelpExternal(const QString& page);
 
 signals:
+    /// A help page to show in the application.
     void openHelp(const QString& page);
+    /// A help page to show in an outside browser.
     void openHelpExternal(const QString& page);
 
 private:
