@@ -13,8 +13,10 @@ const QChar kObject(0xFFFC);
 const QChar kReplacement(0xFFFD);
 
 inline QChar fold(QChar c, Qt::CaseSensitivity cs) { return cs == Qt::CaseInsensitive ? c.toLower() : c; }
-inline bool isSeparator(QChar c) { return c.isPunct() || c.isSpace() || c.isSymbol(); }
-inline bool isLetterLike(QChar c) { return !c.isDigit() && !isSeparator(c); }
+// U+FFFC and U+FFFD end every run so that the check for them at a run boundary sees them.
+inline bool isSpecial(QChar c) { return c == kObject || c == kReplacement; }
+inline bool isSeparator(QChar c) { return (c.isPunct() || c.isSpace() || c.isSymbol()) && !isSpecial(c); }
+inline bool isLetterLike(QChar c) { return !c.isDigit() && !isSeparator(c) && !isSpecial(c); }
 
 // Next step of the tie-break chain once both values are missing; 0 ends it with "not less".
 int chainWhenMissing(int field)
@@ -46,6 +48,12 @@ int naturalCompare(const QString& a, const QString& b, Qt::CaseSensitivity cs)
     int i = 0, j = 0;
     while (i < na && j < nb) {
         const QChar ca = fold(a[i], cs), cb = fold(b[j], cs);
+        // The same marker on both sides decides nothing; otherwise the side that has it sorts later.
+        if (isSpecial(ca) && ca == cb) {
+            ++i;
+            ++j;
+            continue;
+        }
         if (ca == kObject) return 1;
         if (cb == kObject) return -1;
         if (ca == kReplacement) return 1;
