@@ -42,12 +42,14 @@ QRKAbstractItemModel::~QRKAbstractItemModel()
     }
     // Owned folder subjects may be children of one another: delete plain nodes first, then
     // folders, each of which unhooks its folder from a parent folder that is still alive.
-    for (QRKAbstractItemModelNode* n : all)
-        if (!n->isCompound())
-            delete n;
-    for (QRKAbstractItemModelNode* n : all)
+    QList<QRKAbstractItemModelNode*> compounds;
+    for (QRKAbstractItemModelNode* n : all) {
         if (n->isCompound())
+            compounds.append(n);
+        else
             delete n;
+    }
+    qDeleteAll(compounds);
 }
 
 void QRKAbstractItemModel::touch(QRKAbstractItemModelNode* node)
@@ -151,7 +153,7 @@ QMimeData* QRKAbstractItemModel::mimeData(const QModelIndexList& indexes) const
     QMimeData* mime = createMimeData();
     QStringList names;
     for (QRKAbstractSubject* s : subjectsFromIndexes(indexes))
-        names << s->data(Field::Name, Qt::EditRole).toString();
+        names << s->data(Field::Name, Qt::DisplayRole).toString();
     mime->setText(names.join(QLatin1Char('\n')));
     return mime;
 }

@@ -74,25 +74,34 @@ QRKAbstractItemModelNode* QRKAbstractSubject::firstOwnNode()
     return m_nodes.isEmpty() ? nullptr : m_nodes.first();
 }
 
+void QRKAbstractSubject::removeThroughModel(QRKAbstractItemModelNode* n)
+{
+    if (QRKAbstractItemModel* model = n->model())
+        model->removeNode(n);
+    // A node in no model's tree cannot be removed by a model; take it out here so that every
+    // round shrinks the list.
+    if (!m_nodes.isEmpty() && m_nodes.first() == n) {
+        if (QRKAbstractItemModelCompoundNode* p = n->compoundParent())
+            p->removeChild(n);
+        removeNode(n);
+    }
+}
+
 void QRKAbstractSubject::clearNodes()
 {
-    while (QRKAbstractItemModelNode* n = firstOwnNode()) {
-        QRKAbstractItemModel* model = n->model();
-        if (model)
-            model->removeNode(n);
-        // A node in no model's tree cannot be removed by a model; take it out here so that every
-        // round shrinks the list.
-        if (!m_nodes.isEmpty() && m_nodes.first() == n) {
-            if (QRKAbstractItemModelCompoundNode* p = n->compoundParent())
-                p->removeChild(n);
-            removeNode(n);
-        }
-    }
+    while (QRKAbstractItemModelNode* n = firstOwnNode())
+        removeThroughModel(n);
 }
 
 void QRKAbstractSubject::destroyNodes()
 {
     while (QRKAbstractItemModelNode* n = firstOwnNode()) {
+        // While its model lives, a node is taken out through it, or the model would keep a
+        // dangling row.
+        if (n->model()) {
+            removeThroughModel(n);
+            continue;
+        }
         m_nodes.removeFirst();
         if (QRKAbstractItemModelCompoundNode* p = n->compoundParent())
             p->removeChild(n);

@@ -90,7 +90,8 @@ public:
     void removeNode(QRKAbstractItemModelNode* node);
     /// Removes every node through its model (rows vanish from views); always empties the list.
     void clearNodes();
-    /// For use when the models are gone: detaches and deletes every node without model signals.
+    /// For use when the models are gone: detaches and deletes every node without model signals;
+    /// a node whose model is still alive is removed through that model, as by clearNodes().
     void destroyNodes();
     /// The node of this subject that lies below `compound` in its model, or null.
     QRKAbstractItemModelNode* childOfNode(QRKAbstractItemModelCompoundNode* compound) const;
@@ -104,6 +105,8 @@ private:
     void forgetNode(QRKAbstractItemModelNode* node) { m_nodes.removeAll(node); }
     /// The node entries that really point at this subject; copies may hold foreign ones.
     QRKAbstractItemModelNode* firstOwnNode();
+    /// Removes `node`, the first of the list, through its model, or directly when no model can.
+    void removeThroughModel(QRKAbstractItemModelNode* node);
 };
 
 /// \brief A subject with child subjects, shown as a folder-like compound node in trees.

@@ -2,6 +2,7 @@
 
 #include "items/QRKAbstractItemModelNode.h"
 #include "items/QRKAbstractSubject.h"
+#include "units/DisplayUnitManager.h"
 #include "units/UnitManager.h"
 #include "units/UnitRegistry.h"
 
@@ -134,10 +135,12 @@ bool QRKTableItemModel::addSubject(QRKAbstractSubject* subject)
 {
     if (!subject || !m_treeRoot)
         return false;
+    // A row anywhere in the list means the subject is shown already, whatever the order of nodes.
+    for (int i = 0; i < subject->nodeCount(); ++i)
+        if (subject->node(i)->model() == this && subject->node(i)->subject() == subject)
+            return false;
     for (int i = 0; i < subject->nodeCount(); ++i) {
         QRKAbstractItemModelNode* n = subject->node(i);
-        if (n->model() == this && n->subject() == subject)
-            return false;
         for (QRKAbstractItemModelNode* p = n->parent(); p; p = p->parent()) {
             if (p != m_treeRoot)
                 continue;
@@ -224,15 +227,26 @@ void QRKTableItemModel::addColumn(const ColumnInfo& column)
         endInsertColumns();
     if (column.unitManager) {
         // A unit switch changes the header's tag and every printed value of the column.
+        // The display unit lives in the registry's display table; the model unit in the manager.
         const QString name = column.name;
-        m_unitConnections << connect(column.unitManager.get(), &UnitManager::unitChanged, this, [this, name] {
+        const QString category = QString::fromStdString(column.unitManager->category());
+        auto refresh = [this, name] {
             const int c = columnIndex(name);
             if (c < 0)
                 return;
             emit headerDataChanged(Qt::Horizontal, c, c);
             if (!m_rows.isEmpty())
                 emit dataChanged(index(0, c), index(m_rows.size() - 1, c));
-        });
+        };
+        m_unitConnections << connect(column.unitManager.get(), &UnitManager::unitChanged, this, refresh);
+        if (DisplayUnitManager* display = column.unitManager->displayUnitManager()) {
+            auto ifOurs = [refresh, category](const QString& changed, int) {
+                if (changed == category)
+                    refresh();
+            };
+            m_unitConnections << connect(display, &DisplayUnitManager::unitChanged, this, ifOurs);
+            m_unitConnections << connect(display, &DisplayUnitManager::precisionChanged, this, ifOurs);
+        }
     }
 }
 

@@ -12,6 +12,9 @@ public:
 
     QVariant data(int field, int role) const override
     {
+        // Editors and user roles read the same values as the display.
+        if (role == Qt::EditRole || role >= Qt::UserRole)
+            role = Qt::DisplayRole;
         if (role == Qt::DisplayRole && fields.contains(field))
             return fields.value(field);
         return QRKSimpleSubject::data(field, role);
