@@ -36,8 +36,6 @@ QRKAbstractItemModel::~QRKAbstractItemModel()
         if (n->isCompound()) {
             auto* c = static_cast<QRKAbstractItemModelCompoundNode*>(n);
             c->m_children.clear();
-            c->m_index.clear();
-            c->m_indexValid = 0;
         }
     }
     // Owned folder subjects may be children of one another: delete plain nodes first, then

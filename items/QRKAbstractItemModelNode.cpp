@@ -12,11 +12,31 @@ namespace {
 const QChar kObject(0xFFFC);
 const QChar kReplacement(0xFFFD);
 
-inline QChar fold(QChar c, Qt::CaseSensitivity cs) { return cs == Qt::CaseInsensitive ? c.toLower() : c; }
+// Sorting compares names character by character, so plain ASCII skips Unicode's tables.
+inline QChar fold(QChar c, Qt::CaseSensitivity cs)
+{
+    if (cs != Qt::CaseInsensitive)
+        return c;
+    const ushort u = c.unicode();
+    if (u < 128)
+        return QChar(u >= 'A' && u <= 'Z' ? u + 32 : u);
+    return c.toLower();
+}
+inline bool isDigitChar(QChar c)
+{
+    const ushort u = c.unicode();
+    return u < 128 ? (u >= '0' && u <= '9') : c.isDigit();
+}
 // U+FFFC and U+FFFD end every run so that the check for them at a run boundary sees them.
 inline bool isSpecial(QChar c) { return c == kObject || c == kReplacement; }
-inline bool isSeparator(QChar c) { return (c.isPunct() || c.isSpace() || c.isSymbol()) && !isSpecial(c); }
-inline bool isLetterLike(QChar c) { return !c.isDigit() && !isSeparator(c) && !isSpecial(c); }
+inline bool isSeparator(QChar c)
+{
+    const ushort u = c.unicode();
+    if (u < 128)
+        return (u <= ' ' && (u == ' ' || (u >= 9 && u <= 13))) || (u > ' ' && u < 127 && !((u >= '0' && u <= '9') || (u >= 'A' && u <= 'Z') || (u >= 'a' && u <= 'z')));
+    return (c.isPunct() || c.isSpace() || c.isSymbol()) && !isSpecial(c);
+}
+inline bool isLetterLike(QChar c) { return !isDigitChar(c) && !isSeparator(c) && !isSpecial(c); }
 
 // Next step of the tie-break chain once both values are missing; 0 ends it with "not less".
 int chainWhenMissing(int field)
@@ -85,11 +105,11 @@ int naturalCompare(const QString& a, const QString& b, Qt::CaseSensitivity cs)
             }
             continue;
         }
-        if (a[i].isDigit() && b[j].isDigit()) {
+        if (isDigitChar(a[i]) && isDigitChar(b[j])) {
             if (a[i] != QLatin1Char('0') && b[j] != QLatin1Char('0')) {
                 int ri = i, rj = j;
-                while (ri < na && a[ri].isDigit()) ++ri;
-                while (rj < nb && b[rj].isDigit()) ++rj;
+                while (ri < na && isDigitChar(a[ri])) ++ri;
+                while (rj < nb && isDigitChar(b[rj])) ++rj;
                 if (ri - i != rj - j)
                     return (ri - i) < (rj - j) ? -1 : 1;
                 for (; i < ri; ++i, ++j)
@@ -98,13 +118,13 @@ int naturalCompare(const QString& a, const QString& b, Qt::CaseSensitivity cs)
             } else {
                 // A leading zero reads as a fraction: the first differing digit decides, and
                 // the run that ends first is the smaller.
-                while (i < na && j < nb && a[i].isDigit() && b[j].isDigit()) {
+                while (i < na && j < nb && isDigitChar(a[i]) && isDigitChar(b[j])) {
                     if (a[i] != b[j])
                         return a[i].digitValue() < b[j].digitValue() ? -1 : 1;
                     ++i;
                     ++j;
                 }
-                const bool moreA = i < na && a[i].isDigit(), moreB = j < nb && b[j].isDigit();
+                const bool moreA = i < na && isDigitChar(a[i]), moreB = j < nb && isDigitChar(b[j]);
                 if (moreA != moreB)
                     return moreA ? 1 : -1;
             }
@@ -308,23 +328,33 @@ int QRKAbstractItemModelCompoundNode::checkState() const
     return result.isValid() ? result.toInt() : 0;
 }
 
+int QRKAbstractItemModelNode::placeIn(const QList<QRKAbstractItemModelNode*>& list, const QRKAbstractItemModelNode* node)
+{
+    const int size = list.size();
+    if (!node || size == 0)
+        return -1;
+    const int hint = node->m_place;
+    if (hint >= 0 && hint < size && list.at(hint) == node)
+        return hint;
+    const int from = qBound(0, hint, size - 1);
+    for (int d = 0; d <= 64; ++d) {
+        if (from - d >= 0 && list.at(from - d) == node)
+            return node->m_place = from - d;
+        if (from + d < size && list.at(from + d) == node)
+            return node->m_place = from + d;
+    }
+    for (int k = 0; k < size; ++k)
+        list.at(k)->m_place = k;
+    const int place = node->m_place;
+    return place >= 0 && place < size && list.at(place) == node ? place : -1;
+}
+
 int QRKAbstractItemModelCompoundNode::childIndex(const QRKAbstractItemModelNode* node) const
 {
-    if (!node)
+    // A node has one parent, so anything else is absent without a search.
+    if (!node || node->m_parent != this)
         return -1;
-    auto it = m_index.constFind(node);
-    if (it != m_index.constEnd() && it.value() < m_indexValid)
-        return it.value();
-    if (it != m_index.constEnd() || node->m_parent == this) {
-        // Entries from m_indexValid on may have shifted; renumber the tail once.
-        for (int k = m_indexValid; k < m_children.size(); ++k)
-            m_index.insert(m_children.at(k), k);
-        m_indexValid = m_children.size();
-        it = m_index.constFind(node);
-        if (it != m_index.constEnd())
-            return it.value();
-    }
-    return -1;
+    return placeIn(m_children, node);
 }
 
 QRKAbstractItemModelNode* QRKAbstractItemModelCompoundNode::child(int i) const
@@ -352,10 +382,7 @@ void QRKAbstractItemModelCompoundNode::addChild(QRKAbstractItemModelNode* child)
 {
     if (!child || childIndex(child) >= 0 || hasAncestorOrSelf(child))
         return;
-    if (m_indexValid == m_children.size()) {
-        m_index.insert(child, m_children.size());
-        ++m_indexValid;
-    }
+    child->m_place = m_children.size();
     m_children.append(child);
     child->m_parent = this;
 }
@@ -369,17 +396,15 @@ void QRKAbstractItemModelCompoundNode::insertChild(QRKAbstractItemModelNode* chi
     if (!child || childIndex(child) >= 0 || hasAncestorOrSelf(child))
         return;
     m_children.insert(place, child);
-    m_indexValid = qMin(m_indexValid, place);
-    m_index.insert(child, place);
+    child->m_place = place;
     child->m_parent = this;
 }
 
 void QRKAbstractItemModelCompoundNode::takeChild(int place)
 {
     QRKAbstractItemModelNode* c = m_children.takeAt(place);
-    m_index.remove(c);
-    m_indexValid = qMin(m_indexValid, place);
     c->m_parent = nullptr;
+    c->m_place = -1;
 }
 
 void QRKAbstractItemModelCompoundNode::removeChild(QRKAbstractItemModelNode* child)
@@ -395,8 +420,6 @@ void QRKAbstractItemModelCompoundNode::clearChildren()
 {
     const QList<QRKAbstractItemModelNode*> children = m_children;
     m_children.clear();
-    m_index.clear();
-    m_indexValid = 0;
     for (QRKAbstractItemModelNode* c : children) {
         c->m_parent = nullptr;
         c->deleteIfOrphan();

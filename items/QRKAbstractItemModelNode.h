@@ -75,12 +75,19 @@ protected:
     QRKAbstractSubject* m_subject = nullptr;      ///< not owned
     QPointer<QRKAbstractItemModel> m_model;       ///< cleared when the model goes
 
+    /// Place of `node` in `list`, -1 when absent. Uses the node's remembered place, then a short
+    /// search around it (rows shift by a few after nearby insertions and removals), and only
+    /// then renumbers the whole list, so lookups stay constant time in practice.
+    static int placeIn(const QList<QRKAbstractItemModelNode*>& list, const QRKAbstractItemModelNode* node);
+
 private:
     friend class QRKAbstractItemModelCompoundNode;
     friend class QRKAbstractTreeItemModel;
     friend class QRKAbstractItemModel;
+    friend class QRKTableItemModel;
     /// Deletes this node when it has neither parent nor subject.
     void deleteIfOrphan();
+    mutable int m_place = -1; // last known place in the parent's list or the table's rows
 
 protected:
     /// Leaves the subject's list and forgets the subject, without deleting anything.
@@ -152,9 +159,6 @@ protected:
 private:
     friend class QRKAbstractTreeItemModel;
     friend class QRKAbstractItemModel;
-    // Lookup of a child's place; entries at places below m_indexValid are exact.
-    mutable QHash<const QRKAbstractItemModelNode*, int> m_index;
-    mutable int m_indexValid = 0;
 };
 
 /// \brief A folder node with an icon; the one built from a name owns its QRKSimpleFolder.

@@ -111,24 +111,16 @@ void QRKTableItemModel::appendRow(QRKAbstractItemModelNode* node)
 {
     if (!node)
         return;
-    if (m_rowIndexValid == m_rows.size()) {
-        m_rowIndex.insert(node, m_rows.size());
-        ++m_rowIndexValid;
-    }
+    node->m_place = m_rows.size();
     m_rows.append(node);
 }
 
 int QRKTableItemModel::rowOf(const QRKAbstractItemModelNode* node) const
 {
-    auto it = m_rowIndex.constFind(node);
-    if (it == m_rowIndex.constEnd())
+    // Rows have no parent and belong to this model; anything else is absent without a search.
+    if (!node || node->parent() || node->model() != this)
         return -1;
-    if (it.value() >= m_rowIndexValid) {
-        for (int k = m_rowIndexValid; k < m_rows.size(); ++k)
-            m_rowIndex.insert(m_rows.at(k), k);
-        m_rowIndexValid = m_rows.size();
-    }
-    return m_rowIndex.value(node, -1);
+    return QRKAbstractItemModelNode::placeIn(m_rows, node);
 }
 
 bool QRKTableItemModel::addSubject(QRKAbstractSubject* subject)
@@ -156,8 +148,6 @@ bool QRKTableItemModel::addSubject(QRKAbstractSubject* subject)
     return false;
 }
 
-void QRKTableItemModel::dropRowsFrom(int row) { m_rowIndexValid = qMin(m_rowIndexValid, row); }
-
 void QRKTableItemModel::clearNodes()
 {
     if (m_rows.isEmpty())
@@ -166,8 +156,6 @@ void QRKTableItemModel::clearNodes()
         beginRemoveRows(QModelIndex(), 0, m_rows.size() - 1);
     const QList<QRKAbstractItemModelNode*> rows = m_rows;
     m_rows.clear();
-    m_rowIndex.clear();
-    m_rowIndexValid = 0;
     for (QRKAbstractItemModelNode* n : rows) {
         if (QRKAbstractSubject* s = n->subject())
             s->removeNode(n);
@@ -185,8 +173,6 @@ bool QRKTableItemModel::removeRows(int row, int count, const QModelIndex& parent
     beginRemoveRows(QModelIndex(), row, row + count - 1);
     for (int k = 0; k < count; ++k) {
         QRKAbstractItemModelNode* n = m_rows.takeAt(row);
-        m_rowIndex.remove(n);
-        dropRowsFrom(row);
         if (QRKAbstractSubject* s = n->subject())
             s->removeNode(n);
         else

@@ -92,14 +92,10 @@ public:
 private:
     int rowOf(const QRKAbstractItemModelNode* node) const;
     void appendRow(QRKAbstractItemModelNode* node);
-    void dropRowsFrom(int row);
 
     QRKAbstractItemModelCompoundNode* m_treeRoot = nullptr; // not owned
     QList<ColumnInfo> m_columns;
     QList<QRKAbstractItemModelNode*> m_rows;
-    // Row lookup; entries below m_rowIndexValid are exact.
-    mutable QHash<const QRKAbstractItemModelNode*, int> m_rowIndex;
-    mutable int m_rowIndexValid = 0;
     bool m_resetting = false;
     QList<QMetaObject::Connection> m_unitConnections;
 };
