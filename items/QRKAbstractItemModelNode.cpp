@@ -455,7 +455,7 @@ QRKSimpleFolderNode::QRKSimpleFolderNode(const QString& name, QRKAbstractItemMod
                                          QRKAbstractItemModel* model)
     : QRKAbstractItemModelCompoundNode(nullptr, parent, model)
 {
-    m_decoration = QIcon(QStringLiteral(":/model/Resources/icon_folder.png"));
+    m_decorationFile = QStringLiteral(":/model/Resources/icon_folder.png");
     m_ownedFolder = new QRKSimpleFolder(name);
     m_ownedFolder->addNode(this);
     m_subject = m_ownedFolder;
@@ -489,8 +489,12 @@ void QRKSimpleFolderNode::setSubject(QRKAbstractSubject* subject)
 
 QVariant QRKSimpleFolderNode::data(int field, int role) const
 {
-    if (role == Qt::DecorationRole && !m_decoration.isNull())
-        return m_decoration;
+    if (role == Qt::DecorationRole) {
+        if (m_decoration.isNull() && !m_decorationFile.isEmpty())
+            m_decoration = QIcon(m_decorationFile);
+        if (!m_decoration.isNull())
+            return m_decoration;
+    }
     if (role == Qt::CheckStateRole) {
         auto* compound = dynamic_cast<QRKAbstractCompoundSubject*>(m_subject);
         if (compound && compound->isCheckable(Field::CheckState))

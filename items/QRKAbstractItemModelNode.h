@@ -187,12 +187,19 @@ public:
     /// Makes the folder subject checkable or not, when it is a QRKSimpleFolder.
     void setCheckable(bool checkable);
     /// The icon in role 1; a null icon falls back on the subject's decoration.
-    void setDecoration(const QIcon& icon) { m_decoration = icon; }
+    void setDecoration(const QIcon& icon)
+    {
+        m_decoration = icon;
+        m_decorationFile.clear();
+    }
     /// Whether this node made its folder and deletes it.
     bool ownsSubject() const { return m_ownedFolder != nullptr; }
 
 protected:
-    QIcon m_decoration; ///< see setDecoration()
+    mutable QIcon m_decoration; ///< see setDecoration()
+    /// Icon file loaded into m_decoration on first use: icons need a GUI application, and
+    /// command-line users of the models never ask for them.
+    QString m_decorationFile;
 
 private:
     QRKSimpleFolder* m_ownedFolder = nullptr;
