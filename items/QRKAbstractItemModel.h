@@ -111,9 +111,12 @@ public:
     /// Ranges of selected, selectable subjects below `parent`, recursively.
     QItemSelection getSelectionFromSubjects(const QModelIndex& parent = QModelIndex()) const;
 
+    /// The child at `row` of the parent's node, column 0 only; invalid when absent.
     QModelIndex index(int row, int column, const QModelIndex& parent = QModelIndex()) const override;
+    /// The index of the node's parent; invalid at the top level.
     QModelIndex parent(const QModelIndex& child) const override;
     using QObject::parent;
+    /// Number of children of a compound node, else 0.
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     /// One column.
     int columnCount(const QModelIndex& parent = QModelIndex()) const override;

@@ -68,11 +68,14 @@ public:
     /// The allowed values of a constrained column with a positive field, from the registry; empty otherwise.
     QStringList allowedValues(int column) const;
 
+    /// The cell at (`row`, `column`); invalid out of range or under a valid parent.
     QModelIndex index(int row, int column, const QModelIndex& parent = QModelIndex()) const override;
     /// Always invalid: the table is flat.
     QModelIndex parent(const QModelIndex& child) const override;
     using QObject::parent;
+    /// Number of rows for the invalid parent, 0 otherwise.
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    /// Number of columns for the invalid parent, 0 otherwise.
     int columnCount(const QModelIndex& parent = QModelIndex()) const override;
     /// Right alignment (130) for numeric columns in role 7; the rest through the subject.
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
