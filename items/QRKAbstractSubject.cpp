@@ -188,18 +188,32 @@ bool QRKAbstractCompoundSubject::reaches(const QRKAbstractSubject* candidate) co
     return false;
 }
 
+bool QRKAbstractCompoundSubject::hasChild(QRKAbstractSubject* child) const
+{
+    if (m_childSet.size() != m_children.size())
+        m_childSet = QSet<QRKAbstractSubject*>(m_children.begin(), m_children.end());
+    return m_childSet.contains(child);
+}
+
 void QRKAbstractCompoundSubject::addChild(QRKAbstractSubject* child)
 {
-    if (!child || m_children.contains(child))
+    if (!child || hasChild(child))
         return;
     // A child that already reaches this subject would make every recursive walk endless.
     if (auto* compound = dynamic_cast<QRKAbstractCompoundSubject*>(child))
         if (compound->reaches(this))
             return;
     m_children.append(child);
+    m_childSet.insert(child);
 }
 
-void QRKAbstractCompoundSubject::removeChild(QRKAbstractSubject* child) { m_children.removeAll(child); }
+void QRKAbstractCompoundSubject::removeChild(QRKAbstractSubject* child)
+{
+    if (!hasChild(child))
+        return;
+    m_children.removeAll(child);
+    m_childSet.remove(child);
+}
 
 void QRKAbstractCompoundSubject::touchChildren()
 {

@@ -6,6 +6,7 @@
 #include <QList>
 #include <QObject>
 #include <QPoint>
+#include <QSet>
 #include <QString>
 #include <QVariant>
 
@@ -160,6 +161,12 @@ protected:
     QList<QRKAbstractSubject*> m_children; ///< not owned
     int m_sortField = -2;                  ///< see sortField()
     bool m_includeInTable = false;         ///< see includeInTable()
+
+private:
+    /// Whether `child` is in the list, in constant time; the set is rebuilt when a derived class
+    /// changed the list directly.
+    bool hasChild(QRKAbstractSubject* child) const;
+    mutable QSet<QRKAbstractSubject*> m_childSet;
 };
 
 /// \brief A plain object with a name, a colour and a check state.
