@@ -53,6 +53,7 @@ private slots:
     void tableFilters_data();
     void tableFilters();
     void tableSortNatural();
+    void hostileOrders();
     void teardownInEitherOrder_data();
     void teardownInEitherOrder();
 };
@@ -492,6 +493,62 @@ void TestItemModels::tableSortNatural()
         o->clearNodes();
     QCOMPARE(proxy.rowCount(), 0);
     qDeleteAll(objs);
+}
+
+void TestItemModels::hostileOrders()
+{
+    // What a view or careless caller can do in any order: every model stays consistent for the
+    // testers and nothing is read after it is freed (the ASan build checks that).
+    QRKAbstractModelBrowserData doc;
+    QRKTableProxyItemModel tableProxy;
+    QRKTreeProxyItemModel treeProxy;
+    tableProxy.setSourceModel(doc.tableModel());
+    treeProxy.setSourceModel(doc.objectTypesModel());
+    auto t1 = watch(doc.objectTypesModel());
+    auto t2 = watch(doc.setsModel());
+    auto t3 = watch(doc.tableModel());
+    auto t4 = watch(&tableProxy);
+    auto t5 = watch(&treeProxy);
+    QRKObjectTypesTreeItemModel* types = doc.objectTypesModel();
+    // Before restart: no root, nothing to show, nothing accepted.
+    QVERIFY(!types->addPin(static_cast<QRKAbstractSubject*>(nullptr)));
+    QCOMPARE(types->rowCount(), 0);
+    QVERIFY(!types->removeNode(nullptr));
+    types->removeSubject(nullptr);
+    doc.tableModel()->setTreeRootNode(nullptr);
+    tableProxy.sort(1);
+    treeProxy.sort(0);
+    doc.touch();
+    doc.restart();
+    Obj a(QStringLiteral("a")), b(QStringLiteral("b"));
+    types->addPin(&a);
+    types->addWell(&b);
+    doc.tableModel()->addSubject(&a);
+    doc.tableModel()->addSubject(&b);
+    // Folder rows removed from the root come back with their next object.
+    QVERIFY(types->removeRows(0, 2, QModelIndex()));
+    QCOMPARE(types->rowCount(), 0);
+    QCOMPARE(a.nodeCount(), 1); // its table row
+    QVERIFY(!types->removeNode(types->rootNode()));
+    types->addPin(&a);
+    QCOMPARE(types->rowCount(), 1);
+    // Replacing the root's children by a detached folder and a duplicate of it.
+    QVERIFY(types->replaceNodes(types->rootNode(), {types->wellFolder(), types->wellFolder(), nullptr}));
+    QCOMPARE(types->rowCount(), 1);
+    QCOMPARE(types->nodeFromIndex(types->index(0, 0)), types->wellFolder());
+    QCOMPARE(a.nodeCount(), 1);
+    // Adding under a detached folder changes no shown rows; attaching shows them at once.
+    QVERIFY(types->addNode(a.createTreeNode(types), types->pinFolder()));
+    QCOMPARE(types->rowCount(), 1);
+    QVERIFY(types->addNode(types->pinFolder(), types->rootNode()));
+    QCOMPARE(types->rowCount(types->index(1, 0)), 1);
+    QVERIFY(types->clearNodes(types->rootNode()));
+    QCOMPARE(types->rowCount(), 0);
+    QVERIFY(!types->index(0, 0, doc.setsModel()->index(0, 0)).isValid());
+    doc.touchReset();
+    doc.restart(); // the table mirrors the now empty tree
+    QCOMPARE(doc.tableModel()->rowCount(), 0);
+    QCOMPARE(a.nodeCount() + b.nodeCount(), 0);
 }
 
 void TestItemModels::teardownInEitherOrder_data()
