@@ -528,10 +528,15 @@ void QRKSimpleFolderNode::removeChild(QRKAbstractItemModelNode* child)
         return;
     QRKAbstractSubject* childSubject = child->subject();
     QRKAbstractItemModelCompoundNode::removeChild(child);
-    // Another node of the same subject may still be in this folder.
-    if (auto* compound = dynamic_cast<QRKAbstractCompoundSubject*>(m_subject))
-        if (!childFromSubject(childSubject))
-            compound->removeChild(childSubject);
+    auto* compound = dynamic_cast<QRKAbstractCompoundSubject*>(m_subject);
+    if (!compound || !childSubject)
+        return;
+    // Another node of the same subject may still be in this folder; the subject's own short list
+    // of nodes says so without walking the folder.
+    for (int i = 0; i < childSubject->nodeCount(); ++i)
+        if (childSubject->node(i)->parent() == this)
+            return;
+    compound->removeChild(childSubject);
 }
 
 void QRKSimpleFolderNode::setName(const QString& name)

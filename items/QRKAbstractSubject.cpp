@@ -211,7 +211,8 @@ void QRKAbstractCompoundSubject::removeChild(QRKAbstractSubject* child)
 {
     if (!hasChild(child))
         return;
-    m_children.removeAll(child);
+    // Children are unique; the search runs from the end, where recent additions are.
+    m_children.removeAt(m_children.lastIndexOf(child));
     m_childSet.remove(child);
 }
 

@@ -53,6 +53,7 @@ private slots:
     void tableFilters_data();
     void tableFilters();
     void tableSortNatural();
+    void selectionFromSubjects();
     void hostileOrders();
     void teardownInEitherOrder_data();
     void teardownInEitherOrder();
@@ -492,6 +493,35 @@ void TestItemModels::tableSortNatural()
     for (Obj* o : objs)
         o->clearNodes();
     QCOMPARE(proxy.rowCount(), 0);
+    qDeleteAll(objs);
+}
+
+void TestItemModels::selectionFromSubjects()
+{
+    QRKAbstractModelBrowserData doc;
+    doc.restart();
+    QList<Obj*> objs;
+    for (bool selected : {true, true, false, true}) {
+        objs << new Obj(QStringLiteral("o%1").arg(objs.size()));
+        objs.last()->setSelected(selected);
+        doc.objectTypesModel()->addPin(objs.last());
+        doc.tableModel()->addSubject(objs.last());
+    }
+    // Runs of neighbouring selected rows become one range each.
+    const QItemSelection table = doc.tableModel()->getSelectionFromSubjects();
+    QCOMPARE(table.size(), 2);
+    QCOMPARE(table.at(0).top(), 0);
+    QCOMPARE(table.at(0).bottom(), 1);
+    QCOMPARE(table.at(1).top(), 3);
+    QCOMPARE(table.at(1).right(), 0);
+    const QItemSelection tree = doc.objectTypesModel()->getSelectionFromSubjects();
+    QCOMPARE(tree.size(), 2);
+    const QModelIndex pins = doc.objectTypesModel()->index(0, 0);
+    QCOMPARE(tree.at(0).parent(), pins);
+    QCOMPARE(tree.at(0).bottom(), 1);
+    QCOMPARE(tree.at(1).top(), 3);
+    for (Obj* o : objs)
+        o->clearNodes();
     qDeleteAll(objs);
 }
 
