@@ -120,14 +120,12 @@ struct Peer {
     }
 };
 
-template <class T>
-void setRange(benchmark::internal::Benchmark* b)
+template <class T> void setRange(benchmark::internal::Benchmark* b)
 {
     b->Arg(25000)->Arg(50000)->Arg(100000)->Iterations(1)->Unit(benchmark::kMillisecond);
 }
 
-template <class T>
-void BM_Build(benchmark::State& state)
+template <class T> void BM_Build(benchmark::State& state)
 {
     const QStringList n = names(int(state.range(0)));
     for (auto _ : state) {
@@ -141,8 +139,7 @@ void BM_Build(benchmark::State& state)
     }
 }
 
-template <class T>
-void BM_Sort(benchmark::State& state)
+template <class T> void BM_Sort(benchmark::State& state)
 {
     const QStringList n = names(int(state.range(0)));
     for (auto _ : state) {
@@ -160,8 +157,7 @@ void BM_Sort(benchmark::State& state)
 void filterBy(Doc& d, const QString& text) { d.proxy.setFilterText(text); }
 void filterBy(Peer& p, const QString& text) { p.proxy.setFilterFixedString(text); }
 
-template <class T>
-void BM_Filter(benchmark::State& state)
+template <class T> void BM_Filter(benchmark::State& state)
 {
     const QStringList n = names(int(state.range(0)));
     for (auto _ : state) {
@@ -200,8 +196,7 @@ void removeHalf(Peer& p)
         p.table.removeRow(r);
 }
 
-template <class T>
-void BM_RemoveHalf(benchmark::State& state)
+template <class T> void BM_RemoveHalf(benchmark::State& state)
 {
     const QStringList n = names(int(state.range(0)));
     for (auto _ : state) {
@@ -219,8 +214,7 @@ void BM_RemoveHalf(benchmark::State& state)
 
 // The same removal with no proxy attached: what the models themselves cost, without the
 // proxy's per-row remapping of a sorted view.
-template <class T>
-void BM_RemoveHalfNoProxy(benchmark::State& state)
+template <class T> void BM_RemoveHalfNoProxy(benchmark::State& state)
 {
     const QStringList n = names(int(state.range(0)));
     for (auto _ : state) {

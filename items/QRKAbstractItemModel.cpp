@@ -187,8 +187,8 @@ bool QRKAbstractItemModel::removeNode(QRKAbstractItemModelNode* node)
     QRKAbstractItemModelCompoundNode* parentNode = node->compoundParent();
     // removeRows takes the node's descendants first, so the node itself may be gone after it.
     const bool ok = removeRows(idx.row(), 1, idx.parent());
-    if (ok && parentNode && parentNode != m_root && parentNode->childCount() == 0 && parentNode->subject()
-        && parentNode->subject()->shouldBeDeletedWhenEmpty())
+    if (ok && parentNode && parentNode != m_root && parentNode->childCount() == 0 && parentNode->subject() &&
+        parentNode->subject()->shouldBeDeletedWhenEmpty())
         removeNode(parentNode);
     return ok;
 }
@@ -210,8 +210,8 @@ void QRKAbstractItemModel::dropDescendants(QRKAbstractItemModelCompoundNode* nod
         if (c->isCompound())
             dropDescendants(static_cast<QRKAbstractItemModelCompoundNode*>(c));
         QRKAbstractSubject* s = c->subject();
-        const bool ownFolder = c->isCompound() && dynamic_cast<QRKSimpleFolderNode*>(c)
-                               && static_cast<QRKSimpleFolderNode*>(c)->ownsSubject();
+        const bool ownFolder = c->isCompound() && dynamic_cast<QRKSimpleFolderNode*>(c) &&
+                               static_cast<QRKSimpleFolderNode*>(c)->ownsSubject();
         node->removeChild(c);
         if (s && !ownFolder)
             s->removeNode(c);
@@ -287,10 +287,14 @@ int QRKAbstractTreeItemModel::fieldFromIndex(const QModelIndex&, int role) const
 {
     switch (role) {
     case Qt::DisplayRole:
-    case Qt::EditRole: return Field::Name;
-    case Qt::DecorationRole: return Field::Colour;
-    case Qt::CheckStateRole: return Field::CheckState;
-    default: return Field::None;
+    case Qt::EditRole:
+        return Field::Name;
+    case Qt::DecorationRole:
+        return Field::Colour;
+    case Qt::CheckStateRole:
+        return Field::CheckState;
+    default:
+        return Field::None;
     }
 }
 
@@ -354,8 +358,8 @@ bool QRKAbstractTreeItemModel::removeRows(int row, int count, const QModelIndex&
         if (c->isCompound())
             dropDescendants(static_cast<QRKAbstractItemModelCompoundNode*>(c));
         QRKAbstractSubject* s = c->subject();
-        const bool ownFolder = c->isCompound() && dynamic_cast<QRKSimpleFolderNode*>(c)
-                               && static_cast<QRKSimpleFolderNode*>(c)->ownsSubject();
+        const bool ownFolder = c->isCompound() && dynamic_cast<QRKSimpleFolderNode*>(c) &&
+                               static_cast<QRKSimpleFolderNode*>(c)->ownsSubject();
         p->removeChild(c);
         // A folder this model made stays alive (it rejoins with its next object).
         if (s && !ownFolder)
@@ -421,7 +425,8 @@ bool QRKAbstractTreeItemModel::clearEmptyChildren(QRKAbstractItemModelCompoundNo
             removeRows(row, 1, p);
         else {
             QRKAbstractSubject* s = c->subject();
-            const bool ownFolder = dynamic_cast<QRKSimpleFolderNode*>(c) && static_cast<QRKSimpleFolderNode*>(c)->ownsSubject();
+            const bool ownFolder =
+                dynamic_cast<QRKSimpleFolderNode*>(c) && static_cast<QRKSimpleFolderNode*>(c)->ownsSubject();
             node->removeChild(c);
             if (s && !ownFolder)
                 s->removeNode(c);
@@ -432,8 +437,8 @@ bool QRKAbstractTreeItemModel::clearEmptyChildren(QRKAbstractItemModelCompoundNo
 }
 
 QRKAbstractItemModelCompoundNode* QRKAbstractTreeItemModel::createDefaultFolderNode(const QString& name,
-                                                                                  QRKAbstractItemModelNode* parent,
-                                                                                  QRKAbstractItemModel*)
+                                                                                    QRKAbstractItemModelNode* parent,
+                                                                                    QRKAbstractItemModel*)
 {
     // Built detached: a folder joins its parent through addNode with its first object, so that
     // views hear of it.

@@ -83,9 +83,9 @@ protected:
     /// Refreshes the ancestors of `node` (a child's check state changes its folder's tri-state).
     void touchAncestors(QRKAbstractItemModelNode* node);
 
-    QRKAbstractItemModelCompoundNode* m_root = nullptr; ///< owned
+    QRKAbstractItemModelCompoundNode* m_root = nullptr;   ///< owned
     QRKAbstractModelBrowserData* m_browserData = nullptr; ///< not owned
-    QList<QRKAbstractItemModelNode*> m_ownedNodes; ///< folders made by this model, deleted with it
+    QList<QRKAbstractItemModelNode*> m_ownedNodes;        ///< folders made by this model, deleted with it
 };
 
 /// \brief Base of the one-column trees; an index's internal pointer is its node.
@@ -106,7 +106,8 @@ public:
     /// Drops plain and empty compound children of `node`; whether anything changed.
     virtual bool clearEmptyChildren(QRKAbstractItemModelCompoundNode* node);
     /// A new detached folder node named `name`, owned by this model; `parent` is not joined.
-    virtual QRKAbstractItemModelCompoundNode* createDefaultFolderNode(const QString& name, QRKAbstractItemModelNode* parent, QRKAbstractItemModel*);
+    virtual QRKAbstractItemModelCompoundNode*
+    createDefaultFolderNode(const QString& name, QRKAbstractItemModelNode* parent, QRKAbstractItemModel*);
 
     /// Ranges of selected, selectable subjects below `parent`, recursively.
     QItemSelection getSelectionFromSubjects(const QModelIndex& parent = QModelIndex()) const;
@@ -132,7 +133,8 @@ public:
     /// Copy and move.
     Qt::DropActions supportedDropActions() const override;
     /// Drops are handled by the views; false here.
-    bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column, const QModelIndex& parent) override;
+    bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
+                      const QModelIndex& parent) override;
 
 private:
     void collectSelection(const QModelIndex& parent, QItemSelection& out) const;
@@ -173,11 +175,11 @@ public:
     void setIgnoreTouch(bool ignore) { m_ignoreTouch = ignore; }
 
 protected:
-    QRKTableItemModel* m_table = nullptr;                   ///< owned
-    QRKObjectTypesTreeItemModel* m_objectTypes = nullptr;   ///< owned
-    QRKSetsTreeItemModel* m_sets = nullptr;                 ///< owned
-    UnitRegistry* m_registry = nullptr;                     ///< not owned
-    bool m_ignoreTouch = false;                             ///< see ignoreTouch()
+    QRKTableItemModel* m_table = nullptr;                 ///< owned
+    QRKObjectTypesTreeItemModel* m_objectTypes = nullptr; ///< owned
+    QRKSetsTreeItemModel* m_sets = nullptr;               ///< owned
+    UnitRegistry* m_registry = nullptr;                   ///< not owned
+    bool m_ignoreTouch = false;                           ///< see ignoreTouch()
 };
 
 } // namespace rkBase

@@ -33,7 +33,8 @@ inline bool isSeparator(QChar c)
 {
     const ushort u = c.unicode();
     if (u < 128)
-        return (u <= ' ' && (u == ' ' || (u >= 9 && u <= 13))) || (u > ' ' && u < 127 && !((u >= '0' && u <= '9') || (u >= 'A' && u <= 'Z') || (u >= 'a' && u <= 'z')));
+        return (u <= ' ' && (u == ' ' || (u >= 9 && u <= 13))) ||
+               (u > ' ' && u < 127 && !((u >= '0' && u <= '9') || (u >= 'A' && u <= 'Z') || (u >= 'a' && u <= 'z')));
     return (c.isPunct() || c.isSpace() || c.isSymbol()) && !isSpecial(c);
 }
 inline bool isLetterLike(QChar c) { return !isDigitChar(c) && !isSeparator(c) && !isSpecial(c); }
@@ -42,11 +43,16 @@ inline bool isLetterLike(QChar c) { return !isDigitChar(c) && !isSeparator(c) &&
 int chainWhenMissing(int field)
 {
     switch (field) {
-    case Field::SortSecond: return Field::Name;
-    case Field::SortLast: return 0;
-    case Field::SortFirst: return Field::SortSecond;
-    case Field::Name: return Field::SortLast;
-    default: return Field::Name;
+    case Field::SortSecond:
+        return Field::Name;
+    case Field::SortLast:
+        return 0;
+    case Field::SortFirst:
+        return Field::SortSecond;
+    case Field::Name:
+        return Field::SortLast;
+    default:
+        return Field::Name;
     }
 }
 
@@ -74,15 +80,21 @@ int naturalCompare(const QString& a, const QString& b, Qt::CaseSensitivity cs)
             ++j;
             continue;
         }
-        if (ca == kObject) return 1;
-        if (cb == kObject) return -1;
-        if (ca == kReplacement) return 1;
-        if (cb == kReplacement) return -1;
+        if (ca == kObject)
+            return 1;
+        if (cb == kObject)
+            return -1;
+        if (ca == kReplacement)
+            return 1;
+        if (cb == kReplacement)
+            return -1;
 
         // Runs of letters compare as text.
         int ei = i, ej = j;
-        while (ei < na && isLetterLike(a[ei])) ++ei;
-        while (ej < nb && isLetterLike(b[ej])) ++ej;
+        while (ei < na && isLetterLike(a[ei]))
+            ++ei;
+        while (ej < nb && isLetterLike(b[ej]))
+            ++ej;
         if (ei > i || ej > j) {
             for (int k = 0; i + k < ei && j + k < ej; ++k) {
                 const QChar x = fold(a[i + k], cs), y = fold(b[j + k], cs);
@@ -108,8 +120,10 @@ int naturalCompare(const QString& a, const QString& b, Qt::CaseSensitivity cs)
         if (isDigitChar(a[i]) && isDigitChar(b[j])) {
             if (a[i] != QLatin1Char('0') && b[j] != QLatin1Char('0')) {
                 int ri = i, rj = j;
-                while (ri < na && isDigitChar(a[ri])) ++ri;
-                while (rj < nb && isDigitChar(b[rj])) ++rj;
+                while (ri < na && isDigitChar(a[ri]))
+                    ++ri;
+                while (rj < nb && isDigitChar(b[rj]))
+                    ++rj;
                 if (ri - i != rj - j)
                     return (ri - i) < (rj - j) ? -1 : 1;
                 for (; i < ri; ++i, ++j)
@@ -328,7 +342,8 @@ int QRKAbstractItemModelCompoundNode::checkState() const
     return result.isValid() ? result.toInt() : 0;
 }
 
-int QRKAbstractItemModelNode::placeIn(const QList<QRKAbstractItemModelNode*>& list, const QRKAbstractItemModelNode* node)
+int QRKAbstractItemModelNode::placeIn(const QList<QRKAbstractItemModelNode*>& list,
+                                      const QRKAbstractItemModelNode* node)
 {
     const int size = list.size();
     if (!node || size == 0)

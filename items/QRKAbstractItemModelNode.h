@@ -30,7 +30,8 @@ RKBASEQT_EXPORT int naturalCompare(const QString& a, const QString& b, Qt::CaseS
 class RKBASEQT_EXPORT QRKAbstractItemModelNode {
 public:
     /// A node on `subject` in `model`; a compound `parent` receives it as its last child.
-    QRKAbstractItemModelNode(QRKAbstractSubject* subject, QRKAbstractItemModelNode* parent, QRKAbstractItemModel* model);
+    QRKAbstractItemModelNode(QRKAbstractSubject* subject, QRKAbstractItemModelNode* parent,
+                             QRKAbstractItemModel* model);
     /// Leaves the subject's list; children are left as told in QRKAbstractItemModelCompoundNode.
     virtual ~QRKAbstractItemModelNode();
     QRKAbstractItemModelNode(const QRKAbstractItemModelNode&) = delete;
@@ -100,7 +101,8 @@ protected:
 class RKBASEQT_EXPORT QRKAbstractItemModelCompoundNode : public QRKAbstractItemModelNode {
 public:
     /// A compound node on `subject` in `model`, the last child of a compound `parent`.
-    QRKAbstractItemModelCompoundNode(QRKAbstractSubject* subject, QRKAbstractItemModelNode* parent, QRKAbstractItemModel* model);
+    QRKAbstractItemModelCompoundNode(QRKAbstractSubject* subject, QRKAbstractItemModelNode* parent,
+                                     QRKAbstractItemModel* model);
     /// Clears the children (see clearChildren).
     ~QRKAbstractItemModelCompoundNode() override;
 

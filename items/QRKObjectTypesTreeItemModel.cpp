@@ -8,30 +8,28 @@ namespace rkBase {
 namespace {
 // Folder names in member order. The "Wells" family goes through the translator and keeps its
 // English suffix; the rest are used as they stand.
-const char* const kFolderNames[] = {
-    "Mesh Surfaces",
-    "Grid Surfaces",
-    "Guide Lines",
-    "Polylines",
-    "Trace Lines",
-    "Faults",
-    "Pins",
-    "Posts",
-    "Polygons",
-    "TetraVolumes",
-    "GeoCellular Volumes",
-    "Point Clouds",
-    "Dip Data",
-    "Wells",
-    "Wells (Projected)",
-    "Wells (Pseudo)",
-    "Labels",
-    "3DTesk Fracture Sets",
-    "4DTesk Fracture Sets",
-    "Stratigraphic Columns",
-    "Images",
-    "osgEarth Layers"
-};
+const char* const kFolderNames[] = {"Mesh Surfaces",
+                                    "Grid Surfaces",
+                                    "Guide Lines",
+                                    "Polylines",
+                                    "Trace Lines",
+                                    "Faults",
+                                    "Pins",
+                                    "Posts",
+                                    "Polygons",
+                                    "TetraVolumes",
+                                    "GeoCellular Volumes",
+                                    "Point Clouds",
+                                    "Dip Data",
+                                    "Wells",
+                                    "Wells (Projected)",
+                                    "Wells (Pseudo)",
+                                    "Labels",
+                                    "3DTesk Fracture Sets",
+                                    "4DTesk Fracture Sets",
+                                    "Stratigraphic Columns",
+                                    "Images",
+                                    "osgEarth Layers"};
 static_assert(sizeof(kFolderNames) / sizeof(kFolderNames[0]) == QRKObjectTypesTreeItemModel::FolderCount,
               "one name per folder");
 } // namespace
@@ -46,10 +44,14 @@ QString QRKObjectTypesTreeItemModel::folderName(int id)
     if (id < 0 || id >= FolderCount)
         return QString();
     switch (id) {
-    case WellFolder: return rkTranslator::tr("Wells");
-    case ProjectedWellFolder: return rkTranslator::tr("Wells") + QStringLiteral(" (Projected)");
-    case PseudoWellFolder: return rkTranslator::tr("Wells") + QStringLiteral(" (Pseudo)");
-    default: return QString::fromLatin1(kFolderNames[id]);
+    case WellFolder:
+        return rkTranslator::tr("Wells");
+    case ProjectedWellFolder:
+        return rkTranslator::tr("Wells") + QStringLiteral(" (Projected)");
+    case PseudoWellFolder:
+        return rkTranslator::tr("Wells") + QStringLiteral(" (Pseudo)");
+    default:
+        return QString::fromLatin1(kFolderNames[id]);
     }
 }
 

@@ -16,29 +16,29 @@ class RKBASEQT_EXPORT QRKObjectTypesTreeItemModel : public QRKAbstractTreeItemMo
 public:
     /// The folders, in the order of their members.
     enum FolderId {
-        MeshSurfaceFolder, ///< "Mesh Surfaces"
-        GridFolder, ///< "Grid Surfaces"
-        GuideLineFolder, ///< "Guide Lines"
-        LineFolder, ///< "Polylines"
-        TraceLineFolder, ///< "Trace Lines"
-        FaultFolder, ///< "Faults"
-        PinFolder, ///< "Pins"
-        PostFolder, ///< "Posts"
-        PolygonFolder, ///< "Polygons"
-        TetraVolumeFolder, ///< "TetraVolumes"
+        MeshSurfaceFolder,     ///< "Mesh Surfaces"
+        GridFolder,            ///< "Grid Surfaces"
+        GuideLineFolder,       ///< "Guide Lines"
+        LineFolder,            ///< "Polylines"
+        TraceLineFolder,       ///< "Trace Lines"
+        FaultFolder,           ///< "Faults"
+        PinFolder,             ///< "Pins"
+        PostFolder,            ///< "Posts"
+        PolygonFolder,         ///< "Polygons"
+        TetraVolumeFolder,     ///< "TetraVolumes"
         GeoCellularGridFolder, ///< "GeoCellular Volumes"
-        PointCloudFolder, ///< "Point Clouds"
-        DipDataFolder, ///< "Dip Data"
-        WellFolder, ///< "Wells"
-        ProjectedWellFolder, ///< "Wells (Projected)"
-        PseudoWellFolder, ///< "Wells (Pseudo)"
-        LabelFolder, ///< "Labels"
-        TeskFracture3DFolder, ///< "3DTesk Fracture Sets"
-        TeskFracture4DFolder, ///< "4DTesk Fracture Sets"
-        StratColumnFolder, ///< "Stratigraphic Columns"
-        ImageFolder, ///< "Images"
-        OSGEarthLayerFolder, ///< "osgEarth Layers"
-        FolderCount ///< number of folders
+        PointCloudFolder,      ///< "Point Clouds"
+        DipDataFolder,         ///< "Dip Data"
+        WellFolder,            ///< "Wells"
+        ProjectedWellFolder,   ///< "Wells (Projected)"
+        PseudoWellFolder,      ///< "Wells (Pseudo)"
+        LabelFolder,           ///< "Labels"
+        TeskFracture3DFolder,  ///< "3DTesk Fracture Sets"
+        TeskFracture4DFolder,  ///< "4DTesk Fracture Sets"
+        StratColumnFolder,     ///< "Stratigraphic Columns"
+        ImageFolder,           ///< "Images"
+        OSGEarthLayerFolder,   ///< "osgEarth Layers"
+        FolderCount            ///< number of folders
     };
 
     /// An empty tree; call restart() to build the folders.
@@ -50,7 +50,10 @@ public:
     bool clearEmptyChildren() { return QRKAbstractTreeItemModel::clearEmptyChildren(m_root); }
     using QRKAbstractTreeItemModel::clearEmptyChildren;
     /// The folder `id`, null before restart() or out of range.
-    QRKAbstractItemModelCompoundNode* folder(int id) const { return id >= 0 && id < FolderCount ? m_folders[id] : nullptr; }
+    QRKAbstractItemModelCompoundNode* folder(int id) const
+    {
+        return id >= 0 && id < FolderCount ? m_folders[id] : nullptr;
+    }
     /// The folder name of `id` as shown (before the count).
     static QString folderName(int id);
 
@@ -60,7 +63,10 @@ public:
     void addNodeTo(int id, QRKAbstractItemModelNode* node);
 
     /// Adds `subject` to "Mesh Surfaces"; the new node, or null when the subject makes none.
-    QRKAbstractItemModelNode* addMeshSurface(QRKAbstractSubject* subject) { return addSubjectTo(MeshSurfaceFolder, subject); }
+    QRKAbstractItemModelNode* addMeshSurface(QRKAbstractSubject* subject)
+    {
+        return addSubjectTo(MeshSurfaceFolder, subject);
+    }
     /// Adds `node` to "Mesh Surfaces", showing the folder with its first object.
     void addMeshSurface(QRKAbstractItemModelNode* node) { addNodeTo(MeshSurfaceFolder, node); }
     /// The folder "Mesh Surfaces", null before restart().
@@ -72,7 +78,10 @@ public:
     /// The folder "Grid Surfaces", null before restart().
     QRKAbstractItemModelCompoundNode* gridFolder() const { return folder(GridFolder); }
     /// Adds `subject` to "Guide Lines"; the new node, or null when the subject makes none.
-    QRKAbstractItemModelNode* addGuideLine(QRKAbstractSubject* subject) { return addSubjectTo(GuideLineFolder, subject); }
+    QRKAbstractItemModelNode* addGuideLine(QRKAbstractSubject* subject)
+    {
+        return addSubjectTo(GuideLineFolder, subject);
+    }
     /// Adds `node` to "Guide Lines", showing the folder with its first object.
     void addGuideLine(QRKAbstractItemModelNode* node) { addNodeTo(GuideLineFolder, node); }
     /// The folder "Guide Lines", null before restart().
@@ -84,7 +93,10 @@ public:
     /// The folder "Polylines", null before restart().
     QRKAbstractItemModelCompoundNode* lineFolder() const { return folder(LineFolder); }
     /// Adds `subject` to "Trace Lines"; the new node, or null when the subject makes none.
-    QRKAbstractItemModelNode* addTraceLine(QRKAbstractSubject* subject) { return addSubjectTo(TraceLineFolder, subject); }
+    QRKAbstractItemModelNode* addTraceLine(QRKAbstractSubject* subject)
+    {
+        return addSubjectTo(TraceLineFolder, subject);
+    }
     /// Adds `node` to "Trace Lines", showing the folder with its first object.
     void addTraceLine(QRKAbstractItemModelNode* node) { addNodeTo(TraceLineFolder, node); }
     /// The folder "Trace Lines", null before restart().
@@ -114,15 +126,24 @@ public:
     /// The folder "Polygons", null before restart().
     QRKAbstractItemModelCompoundNode* polygonFolder() const { return folder(PolygonFolder); }
     /// Adds `subject` to "TetraVolumes"; the new node, or null when the subject makes none.
-    QRKAbstractItemModelNode* addTetraVolume(QRKAbstractSubject* subject) { return addSubjectTo(TetraVolumeFolder, subject); }
+    QRKAbstractItemModelNode* addTetraVolume(QRKAbstractSubject* subject)
+    {
+        return addSubjectTo(TetraVolumeFolder, subject);
+    }
     /// Adds `node` to "TetraVolumes", showing the folder with its first object.
     void addTetraVolume(QRKAbstractItemModelNode* node) { addNodeTo(TetraVolumeFolder, node); }
     /// Adds `subject` to "GeoCellular Volumes"; the new node, or null when the subject makes none.
-    QRKAbstractItemModelNode* addGeoCellularGrid(QRKAbstractSubject* subject) { return addSubjectTo(GeoCellularGridFolder, subject); }
+    QRKAbstractItemModelNode* addGeoCellularGrid(QRKAbstractSubject* subject)
+    {
+        return addSubjectTo(GeoCellularGridFolder, subject);
+    }
     /// Adds `node` to "GeoCellular Volumes", showing the folder with its first object.
     void addGeoCellularGrid(QRKAbstractItemModelNode* node) { addNodeTo(GeoCellularGridFolder, node); }
     /// Adds `subject` to "Point Clouds"; the new node, or null when the subject makes none.
-    QRKAbstractItemModelNode* addPointCloud(QRKAbstractSubject* subject) { return addSubjectTo(PointCloudFolder, subject); }
+    QRKAbstractItemModelNode* addPointCloud(QRKAbstractSubject* subject)
+    {
+        return addSubjectTo(PointCloudFolder, subject);
+    }
     /// Adds `node` to "Point Clouds", showing the folder with its first object.
     void addPointCloud(QRKAbstractItemModelNode* node) { addNodeTo(PointCloudFolder, node); }
     /// The folder "Point Clouds", null before restart().
@@ -140,13 +161,19 @@ public:
     /// The folder "Wells", null before restart().
     QRKAbstractItemModelCompoundNode* wellFolder() const { return folder(WellFolder); }
     /// Adds `subject` to "Wells (Projected)"; the new node, or null when the subject makes none.
-    QRKAbstractItemModelNode* addProjectedWell(QRKAbstractSubject* subject) { return addSubjectTo(ProjectedWellFolder, subject); }
+    QRKAbstractItemModelNode* addProjectedWell(QRKAbstractSubject* subject)
+    {
+        return addSubjectTo(ProjectedWellFolder, subject);
+    }
     /// Adds `node` to "Wells (Projected)", showing the folder with its first object.
     void addProjectedWell(QRKAbstractItemModelNode* node) { addNodeTo(ProjectedWellFolder, node); }
     /// The folder "Wells (Projected)", null before restart().
     QRKAbstractItemModelCompoundNode* projectedWellFolder() const { return folder(ProjectedWellFolder); }
     /// Adds `subject` to "Wells (Pseudo)"; the new node, or null when the subject makes none.
-    QRKAbstractItemModelNode* addPseudoWell(QRKAbstractSubject* subject) { return addSubjectTo(PseudoWellFolder, subject); }
+    QRKAbstractItemModelNode* addPseudoWell(QRKAbstractSubject* subject)
+    {
+        return addSubjectTo(PseudoWellFolder, subject);
+    }
     /// Adds `node` to "Wells (Pseudo)", showing the folder with its first object.
     void addPseudoWell(QRKAbstractItemModelNode* node) { addNodeTo(PseudoWellFolder, node); }
     /// The folder "Wells (Pseudo)", null before restart().
@@ -158,11 +185,17 @@ public:
     /// The folder "Labels", null before restart().
     QRKAbstractItemModelCompoundNode* labelFolder() const { return folder(LabelFolder); }
     /// Adds `subject` to "3DTesk Fracture Sets"; the new node, or null when the subject makes none.
-    QRKAbstractItemModelNode* add3DTeskFractureSet(QRKAbstractSubject* subject) { return addSubjectTo(TeskFracture3DFolder, subject); }
+    QRKAbstractItemModelNode* add3DTeskFractureSet(QRKAbstractSubject* subject)
+    {
+        return addSubjectTo(TeskFracture3DFolder, subject);
+    }
     /// Adds `node` to "3DTesk Fracture Sets", showing the folder with its first object.
     void add3DTeskFractureSet(QRKAbstractItemModelNode* node) { addNodeTo(TeskFracture3DFolder, node); }
     /// Adds `subject` to "4DTesk Fracture Sets"; the new node, or null when the subject makes none.
-    QRKAbstractItemModelNode* add4DTeskFractureSet(QRKAbstractSubject* subject) { return addSubjectTo(TeskFracture4DFolder, subject); }
+    QRKAbstractItemModelNode* add4DTeskFractureSet(QRKAbstractSubject* subject)
+    {
+        return addSubjectTo(TeskFracture4DFolder, subject);
+    }
     /// Adds `node` to "4DTesk Fracture Sets", showing the folder with its first object.
     void add4DTeskFractureSet(QRKAbstractItemModelNode* node) { addNodeTo(TeskFracture4DFolder, node); }
     /// Adds `subject` to "Images"; the new node, or null when the subject makes none.
@@ -172,7 +205,10 @@ public:
     /// The folder "Images", null before restart().
     QRKAbstractItemModelCompoundNode* imageFolder() const { return folder(ImageFolder); }
     /// Adds `subject` to "osgEarth Layers"; the new node, or null when the subject makes none.
-    QRKAbstractItemModelNode* addOSGEarthLayer(QRKAbstractSubject* subject) { return addSubjectTo(OSGEarthLayerFolder, subject); }
+    QRKAbstractItemModelNode* addOSGEarthLayer(QRKAbstractSubject* subject)
+    {
+        return addSubjectTo(OSGEarthLayerFolder, subject);
+    }
     /// Adds `node` to "osgEarth Layers", showing the folder with its first object.
     void addOSGEarthLayer(QRKAbstractItemModelNode* node) { addNodeTo(OSGEarthLayerFolder, node); }
     /// The folder "osgEarth Layers", null before restart().

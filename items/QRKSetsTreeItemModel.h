@@ -17,13 +17,13 @@ class RKBASEQT_EXPORT QRKSetsTreeItemModel : public QRKAbstractTreeItemModel {
 public:
     /// The six folders, in their order.
     enum FolderId {
-        SurfaceFolder,      ///< "1. Surfaces"
-        HorizonFolder,      ///< "2. Horizons", sorted by field -13
-        SectionFolder,      ///< "3. Sections"
-        FaultBlockFolder,   ///< "4. Fault Blocks"
-        FractureSetFolder,  ///< "5. Fracture Sets"
-        SetFolder,          ///< "6. Sets"
-        FolderCount         ///< number of folders
+        SurfaceFolder,     ///< "1. Surfaces"
+        HorizonFolder,     ///< "2. Horizons", sorted by field -13
+        SectionFolder,     ///< "3. Sections"
+        FaultBlockFolder,  ///< "4. Fault Blocks"
+        FractureSetFolder, ///< "5. Fracture Sets"
+        SetFolder,         ///< "6. Sets"
+        FolderCount        ///< number of folders
     };
 
     /// An empty tree; call restart() to build the folders.
@@ -35,7 +35,10 @@ public:
     bool clearEmptyChildren() { return QRKAbstractTreeItemModel::clearEmptyChildren(m_root); }
     using QRKAbstractTreeItemModel::clearEmptyChildren;
     /// The folder `id`, null before restart() or out of range.
-    QRKAbstractItemModelCompoundNode* folder(int id) const { return id >= 0 && id < FolderCount ? m_folders[id] : nullptr; }
+    QRKAbstractItemModelCompoundNode* folder(int id) const
+    {
+        return id >= 0 && id < FolderCount ? m_folders[id] : nullptr;
+    }
     /// The folder name of `id`.
     static QString folderName(int id);
 
@@ -57,11 +60,17 @@ public:
     /// Adds a section node.
     void addSection(QRKAbstractItemModelNode* node) { addNodeTo(SectionFolder, node); }
     /// Adds a fault block; its node or null.
-    QRKAbstractItemModelNode* addFaultBlock(QRKAbstractSubject* subject) { return addSubjectTo(FaultBlockFolder, subject); }
+    QRKAbstractItemModelNode* addFaultBlock(QRKAbstractSubject* subject)
+    {
+        return addSubjectTo(FaultBlockFolder, subject);
+    }
     /// Adds a fault block node.
     void addFaultBlock(QRKAbstractItemModelNode* node) { addNodeTo(FaultBlockFolder, node); }
     /// Adds a fracture set; its node or null.
-    QRKAbstractItemModelNode* addFractureSet(QRKAbstractSubject* subject) { return addSubjectTo(FractureSetFolder, subject); }
+    QRKAbstractItemModelNode* addFractureSet(QRKAbstractSubject* subject)
+    {
+        return addSubjectTo(FractureSetFolder, subject);
+    }
     /// Adds a fracture set node.
     void addFractureSet(QRKAbstractItemModelNode* node) { addNodeTo(FractureSetFolder, node); }
     /// Adds a set; its node or null.

@@ -34,7 +34,8 @@ bool QRKSortFilterProxyModel::textFilterAccepts(int sourceRow, const QModelIndex
     if (m_filterText.isEmpty() || !m_plainText)
         return QSortFilterProxyModel::filterAcceptsRow(sourceRow, sourceParent);
     // ".*text.*" without metacharacters matches exactly the keys that contain the text.
-    const QModelIndex key = sourceModel()->index(sourceRow, filterKeyColumn() < 0 ? 0 : filterKeyColumn(), sourceParent);
+    const QModelIndex key =
+        sourceModel()->index(sourceRow, filterKeyColumn() < 0 ? 0 : filterKeyColumn(), sourceParent);
     return sourceModel()->data(key, filterRole()).toString().contains(m_filterText, Qt::CaseInsensitive);
 }
 
@@ -62,10 +63,7 @@ void QRKTableProxyItemModel::setNodeFilter(QRKAbstractItemModelCompoundNode* nod
     invalidateFilter();
 }
 
-void QRKTableProxyItemModel::touchHeaderData(int column)
-{
-    emit headerDataChanged(Qt::Horizontal, column, column);
-}
+void QRKTableProxyItemModel::touchHeaderData(int column) { emit headerDataChanged(Qt::Horizontal, column, column); }
 
 void QRKTableProxyItemModel::setSourceModel(QAbstractItemModel* model)
 {
@@ -76,8 +74,8 @@ void QRKTableProxyItemModel::setSourceModel(QAbstractItemModel* model)
 
 QVariant QRKTableProxyItemModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    if (orientation == Qt::Horizontal && role == Qt::DecorationRole && section == filterKeyColumn()
-        && !filterText().isEmpty())
+    if (orientation == Qt::Horizontal && role == Qt::DecorationRole && section == filterKeyColumn() &&
+        !filterText().isEmpty())
         return QIcon(QStringLiteral(":/rkBaseQt/Resources/filter.png"));
     return QRKSortFilterProxyModel::headerData(section, orientation, role);
 }

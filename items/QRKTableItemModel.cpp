@@ -257,10 +257,7 @@ QModelIndex QRKTableItemModel::parent(const QModelIndex&) const { return QModelI
 
 int QRKTableItemModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : m_rows.size(); }
 
-int QRKTableItemModel::columnCount(const QModelIndex& parent) const
-{
-    return parent.isValid() ? 0 : m_columns.size();
-}
+int QRKTableItemModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : m_columns.size(); }
 
 QModelIndex QRKTableItemModel::indexFromNode(const QRKAbstractItemModelNode* node, int column) const
 {
@@ -277,10 +274,23 @@ int QRKTableItemModel::fieldFromIndex(const QModelIndex& index, int role) const
     switch (role) {
     case Qt::DisplayRole:
         return c.type == ColourColumn || c.type == CheckColumn ? int(Field::None) : c.field;
-    case Qt::EditRole: return c.field;
-    case Qt::BackgroundRole: return c.type == ColourColumn ? c.field : int(Field::None);
-    case Qt::CheckStateRole: return c.type == CheckColumn ? c.field : int(Field::None);
-    case 1: case 3: case 4: case 5: case 6: case 7: case 9: case 11: case 12: case 13: case 256:
+    case Qt::EditRole:
+        return c.field;
+    case Qt::BackgroundRole:
+        return c.type == ColourColumn ? c.field : int(Field::None);
+    case Qt::CheckStateRole:
+        return c.type == CheckColumn ? c.field : int(Field::None);
+    case 1:
+    case 3:
+    case 4:
+    case 5:
+    case 6:
+    case 7:
+    case 9:
+    case 11:
+    case 12:
+    case 13:
+    case 256:
         return Field::None;
     default:
         return c.type == ColourColumn || c.type == CheckColumn ? int(Field::None) : c.field;
@@ -292,7 +302,8 @@ QVariant QRKTableItemModel::data(const QModelIndex& index, int role) const
     if (role == Qt::TextAlignmentRole) {
         if (!index.isValid() || index.column() >= m_columns.size())
             return QVariant();
-        return isNumeric(m_columns.at(index.column()).type) ? QVariant(int(Qt::AlignRight | Qt::AlignVCenter)) : QVariant();
+        return isNumeric(m_columns.at(index.column()).type) ? QVariant(int(Qt::AlignRight | Qt::AlignVCenter))
+                                                            : QVariant();
     }
     return QRKAbstractItemModel::data(index, role);
 }

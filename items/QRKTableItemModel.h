@@ -20,7 +20,14 @@ class RKBASEQT_EXPORT QRKTableItemModel : public QRKAbstractItemModel {
     Q_OBJECT
 public:
     /// Column kinds: 1 to 3 numeric (right-aligned), 4 colour, 5 text, 6 check box.
-    enum ColumnType { IntegerColumn = 1, RealColumn = 2, NumberColumn = 3, ColourColumn = 4, TextColumn = 5, CheckColumn = 6 };
+    enum ColumnType {
+        IntegerColumn = 1,
+        RealColumn = 2,
+        NumberColumn = 3,
+        ColourColumn = 4,
+        TextColumn = 5,
+        CheckColumn = 6
+    };
 
     /// \brief Description of one column.
     struct ColumnInfo {

@@ -66,10 +66,27 @@ void TestItemModels::objectTypesFolders()
     m.restart();
     QCOMPARE(m.rowCount(), 0);
     QCOMPARE(m.flags(QModelIndex()), Qt::ItemIsDropEnabled);
-    const QStringList names{"Mesh Surfaces", "Grid Surfaces", "Guide Lines", "Polylines", "Trace Lines", "Faults",
-                            "Pins", "Posts", "Polygons", "TetraVolumes", "GeoCellular Volumes", "Point Clouds",
-                            "Dip Data", "Wells", "Wells (Projected)", "Wells (Pseudo)", "Labels",
-                            "3DTesk Fracture Sets", "4DTesk Fracture Sets", "Stratigraphic Columns", "Images",
+    const QStringList names{"Mesh Surfaces",
+                            "Grid Surfaces",
+                            "Guide Lines",
+                            "Polylines",
+                            "Trace Lines",
+                            "Faults",
+                            "Pins",
+                            "Posts",
+                            "Polygons",
+                            "TetraVolumes",
+                            "GeoCellular Volumes",
+                            "Point Clouds",
+                            "Dip Data",
+                            "Wells",
+                            "Wells (Projected)",
+                            "Wells (Pseudo)",
+                            "Labels",
+                            "3DTesk Fracture Sets",
+                            "4DTesk Fracture Sets",
+                            "Stratigraphic Columns",
+                            "Images",
                             "osgEarth Layers"};
     QCOMPARE(int(QRKObjectTypesTreeItemModel::FolderCount), names.size());
     for (int i = 0; i < names.size(); ++i)
@@ -182,7 +199,7 @@ void TestItemModels::refusesNodesThatWouldBreakTheTree()
     m.restart();
     Obj a(QStringLiteral("a"));
     QRKAbstractItemModelNode* n = m.addPin(&a);
-    QVERIFY(!m.addNode(n, m.faultFolder()));      // already has a parent
+    QVERIFY(!m.addNode(n, m.faultFolder())); // already has a parent
     QVERIFY(!m.addNode(nullptr, m.pinFolder()));
     QVERIFY(!m.insertNode(m.rootNode(), m.pinFolder(), 0)); // its own ancestor
     QVERIFY(!m.replaceNodes(nullptr, {}));
@@ -360,14 +377,16 @@ void TestItemModels::tableHeaders()
     table->addColumn(depth);
     QCOMPARE(table->columnCount(), 9);
     const auto um = depth.unitManager;
-    QCOMPARE(table->headerData(8, Qt::Horizontal).toString(), QStringLiteral("Depth (%1)").arg(um->getDisplayUnitTag()));
+    QCOMPARE(table->headerData(8, Qt::Horizontal).toString(),
+             QStringLiteral("Depth (%1)").arg(um->getDisplayUnitTag()));
     QCOMPARE(table->headerData(8, Qt::Horizontal, Qt::ToolTipRole).toString(), um->getDisplayUnitName());
     QSignalSpy header(table, &QAbstractItemModel::headerDataChanged);
     const QString before = um->getDisplayUnitTag();
     um->displayUnit(um->displayUnit() == 0 ? 1 : 0);
     QVERIFY(um->getDisplayUnitTag() != before);
     QVERIFY(header.count() >= 1);
-    QCOMPARE(table->headerData(8, Qt::Horizontal).toString(), QStringLiteral("Depth (%1)").arg(um->getDisplayUnitTag()));
+    QCOMPARE(table->headerData(8, Qt::Horizontal).toString(),
+             QStringLiteral("Depth (%1)").arg(um->getDisplayUnitTag()));
     QCOMPARE(table->fieldFromColumn(8), 42);
     QCOMPARE(table->fieldFromColumn(9), int(Field::None));
     QVERIFY(table->allowedValues(8).isEmpty());
@@ -431,7 +450,8 @@ void TestItemModels::tableFilters()
     QRKAbstractModelBrowserData doc;
     doc.restart();
     QRKObjectTypesTreeItemModel* types = doc.objectTypesModel();
-    Obj w1(QStringLiteral("Well 1")), w10(QStringLiteral("well 10")), p(QStringLiteral("Pin A")), leaf(QStringLiteral("in g"));
+    Obj w1(QStringLiteral("Well 1")), w10(QStringLiteral("well 10")), p(QStringLiteral("Pin A")),
+        leaf(QStringLiteral("in g"));
     w10.fields[7] = 1;
     Group g(QStringLiteral("G"), true);
     types->addWell(&w1);

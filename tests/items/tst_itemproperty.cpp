@@ -23,8 +23,8 @@ namespace {
 // What the document should look like: folders in the order they are shown, their subjects in
 // insertion order, the table's subjects in row order.
 struct Tree {
-    QList<int> shown;                      // folder ids under the root
-    std::map<int, QList<Obj*>> contents;   // folder id -> subjects
+    QList<int> shown;                    // folder ids under the root
+    std::map<int, QList<Obj*>> contents; // folder id -> subjects
 
     int folderOf(Obj* s) const
     {
@@ -74,8 +74,7 @@ private slots:
 
 private:
     void verify(const QString& step);
-    template <class M>
-    void verifyTree(M* model, const Tree& ref, const QString& step);
+    template <class M> void verifyTree(M* model, const Tree& ref, const QString& step);
 
     std::unique_ptr<QRKAbstractModelBrowserData> m_doc;
     QList<Obj*> m_objs;
@@ -83,8 +82,7 @@ private:
     QList<Obj*> m_table;
 };
 
-template <class M>
-void TestItemProperty::verifyTree(M* model, const Tree& ref, const QString& step)
+template <class M> void TestItemProperty::verifyTree(M* model, const Tree& ref, const QString& step)
 {
     QVERIFY2(model->rowCount() == ref.shown.size(), qPrintable(step));
     for (int r = 0; r < ref.shown.size(); ++r) {
@@ -93,7 +91,8 @@ void TestItemProperty::verifyTree(M* model, const Tree& ref, const QString& step
         QCOMPARE(model->nodeFromIndex(folder), model->folder(id));
         const QList<Obj*>& list = ref.contents.at(id);
         QVERIFY2(model->rowCount(folder) == list.size(), qPrintable(step));
-        const QString expected = list.isEmpty() ? M::folderName(id) : QStringLiteral("%1 (%2)").arg(M::folderName(id)).arg(list.size());
+        const QString expected =
+            list.isEmpty() ? M::folderName(id) : QStringLiteral("%1 (%2)").arg(M::folderName(id)).arg(list.size());
         QCOMPARE(model->data(folder).toString(), expected);
         bool anyChecked = false, anyUnchecked = false;
         for (int k = 0; k < list.size(); ++k) {
@@ -329,12 +328,13 @@ void TestItemProperty::randomOperations()
     } else {
         qDeleteAll(m_objs); // each clears its nodes through the models
         QCOMPARE(table->rowCount(), 0);
-        QCOMPARE(types->rowCount(), m_types.shown.size() - [&] {
-            int emptied = 0;
-            for (int id : m_types.shown)
-                emptied += !m_types.contents[id].isEmpty();
-            return emptied;
-        }());
+        QCOMPARE(
+            types->rowCount(), m_types.shown.size() - [&] {
+                int emptied = 0;
+                for (int id : m_types.shown)
+                    emptied += !m_types.contents[id].isEmpty();
+                return emptied;
+            }());
         m_doc.reset();
     }
     m_objs.clear();

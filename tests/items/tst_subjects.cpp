@@ -28,7 +28,8 @@ QList<Token> tokens(const QString& s)
             ++i;
         } else if (c.isDigit()) {
             int j = i;
-            while (j < s.size() && s[j].isDigit()) ++j;
+            while (j < s.size() && s[j].isDigit())
+                ++j;
             out.append({Token::Digits, s.mid(i, j - i)});
             i = j;
         } else if (c.isPunct() || c.isSpace() || c.isSymbol()) {
@@ -36,8 +37,8 @@ QList<Token> tokens(const QString& s)
             ++i;
         } else {
             int j = i;
-            while (j < s.size() && !s[j].isDigit() && !s[j].isPunct() && !s[j].isSpace() && !s[j].isSymbol()
-                   && s[j] != QChar(0xFFFC) && s[j] != QChar(0xFFFD))
+            while (j < s.size() && !s[j].isDigit() && !s[j].isPunct() && !s[j].isSpace() && !s[j].isSymbol() &&
+                   s[j] != QChar(0xFFFC) && s[j] != QChar(0xFFFD))
                 ++j;
             out.append({Token::Letters, s.mid(i, j - i).toLower()});
             i = j;
@@ -57,26 +58,35 @@ int referenceCompare(const QString& a, const QString& b)
         if (p.kind == Token::Special && q.kind == Token::Special && p.text == q.text)
             continue;
         for (ushort special : {0xFFFC, 0xFFFD}) {
-            if (p.kind == Token::Special && p.text[0].unicode() == special) return 1;
-            if (q.kind == Token::Special && q.text[0].unicode() == special) return -1;
+            if (p.kind == Token::Special && p.text[0].unicode() == special)
+                return 1;
+            if (q.kind == Token::Special && q.text[0].unicode() == special)
+                return -1;
         }
         if (p.kind == Token::Letters || q.kind == Token::Letters) {
             // A missing letter run is the empty text.
             const QString l = p.kind == Token::Letters ? p.text : QString();
             const QString r = q.kind == Token::Letters ? q.text : QString();
-            if (l != r) return sign(QString::compare(l, r));
-            if (p.kind != q.kind) return p.kind == Token::Letters ? 1 : -1;
+            if (l != r)
+                return sign(QString::compare(l, r));
+            if (p.kind != q.kind)
+                return p.kind == Token::Letters ? 1 : -1;
             continue;
         }
         if (p.kind == Token::Digits && q.kind == Token::Digits) {
             const bool fraction = p.text.startsWith('0') || q.text.startsWith('0');
-            if (!fraction && p.text.size() != q.text.size()) return p.text.size() < q.text.size() ? -1 : 1;
-            if (p.text != q.text) return sign(QString::compare(p.text, q.text));
+            if (!fraction && p.text.size() != q.text.size())
+                return p.text.size() < q.text.size() ? -1 : 1;
+            if (p.text != q.text)
+                return sign(QString::compare(p.text, q.text));
             continue;
         }
-        if (p.text[0] != q.text[0]) return p.text[0] < q.text[0] ? -1 : 1;
-        if (p.kind != q.kind) return 0; // unreachable: same first character means same kind
-        if (p.text != q.text) return sign(QString::compare(p.text, q.text));
+        if (p.text[0] != q.text[0])
+            return p.text[0] < q.text[0] ? -1 : 1;
+        if (p.kind != q.kind)
+            return 0; // unreachable: same first character means same kind
+        if (p.text != q.text)
+            return sign(QString::compare(p.text, q.text));
     }
     return sign(x.size() - y.size());
 }
@@ -233,9 +243,9 @@ void TestSubjects::nodeOwnership()
     parent->removeChild(withSubject); // survives: its subject holds it
     QCOMPARE(o.nodeCount(), 1);
     QVERIFY(!withSubject->parent());
-    parent->removeChild(bare);        // deleted (ASan proves it is not leaked)
+    parent->removeChild(bare); // deleted (ASan proves it is not leaked)
     QCOMPARE(parent->childCount(), 0);
-    o.removeNode(withSubject);        // neither parent nor subject: gone
+    o.removeNode(withSubject); // neither parent nor subject: gone
     QCOMPARE(o.nodeCount(), 0);
     // A node cannot become its own ancestor.
     auto* child = new QRKAbstractItemModelCompoundNode(nullptr, parent, nullptr);
@@ -249,8 +259,8 @@ void TestSubjects::clearNodesTerminatesForDetachedNodes()
     QRKObjectTypesTreeItemModel model;
     model.restart();
     Obj o(QStringLiteral("o"));
-    o.createTreeNode(&model);           // made but never placed: no model can remove it
-    o.createTreeNode(nullptr);          // no model at all
+    o.createTreeNode(&model);  // made but never placed: no model can remove it
+    o.createTreeNode(nullptr); // no model at all
     model.addPin(&o);
     QCOMPARE(o.nodeCount(), 3);
     o.clearNodes();
@@ -295,20 +305,31 @@ void TestSubjects::naturalOrder_data()
     QTest::addColumn<QString>("a");
     QTest::addColumn<QString>("b");
     QTest::addColumn<int>("expected");
-    QTest::newRow("numbers by value") << "item2" << "item10" << -1;
-    QTest::newRow("case folded") << "Item2" << "item2" << 0;
-    QTest::newRow("fraction digits") << "x01" << "x012" << -1;
-    QTest::newRow("fraction first digit") << "x09" << "x1" << -1;
-    QTest::newRow("zero run against number") << "a05" << "a4" << -1;
-    QTest::newRow("same length numbers") << "w123" << "w124" << -1;
-    QTest::newRow("prefix first") << "well" << "well 1" << -1;
-    QTest::newRow("punctuation") << "a-b" << "a_b" << -1;
-    QTest::newRow("letters before longer letters") << "ab1" << "abc1" << -1;
+    QTest::newRow("numbers by value") << "item2"
+                                      << "item10" << -1;
+    QTest::newRow("case folded") << "Item2"
+                                 << "item2" << 0;
+    QTest::newRow("fraction digits") << "x01"
+                                     << "x012" << -1;
+    QTest::newRow("fraction first digit") << "x09"
+                                          << "x1" << -1;
+    QTest::newRow("zero run against number") << "a05"
+                                             << "a4" << -1;
+    QTest::newRow("same length numbers") << "w123"
+                                         << "w124" << -1;
+    QTest::newRow("prefix first") << "well"
+                                  << "well 1" << -1;
+    QTest::newRow("punctuation") << "a-b"
+                                 << "a_b" << -1;
+    QTest::newRow("letters before longer letters") << "ab1"
+                                                   << "abc1" << -1;
     QTest::newRow("object replacement last") << QString(QChar(0xFFFC)) << "zzz" << 1;
     QTest::newRow("replacement char last") << "a" + QString(QChar(0xFFFD)) << "a1" << 1;
     QTest::newRow("FFFC before FFFD decides") << "a" + QString(QChar(0xFFFC)) << "a" + QString(QChar(0xFFFD)) << 1;
-    QTest::newRow("empty first") << "" << "a" << -1;
-    QTest::newRow("signs are punctuation") << "-5" << "+5" << 1;
+    QTest::newRow("empty first") << ""
+                                 << "a" << -1;
+    QTest::newRow("signs are punctuation") << "-5"
+                                           << "+5" << 1;
 }
 
 void TestSubjects::naturalOrder()
@@ -365,8 +386,10 @@ void TestSubjects::tieBreakChain_data()
     QTest::newRow("equal strings go to names") << Fields{{7, "x"}} << Fields{{7, "X"}} << 7 << true << false;
     QTest::newRow("equal names go to -18")
         << Fields{{Field::Name, "n"}, {k18, 2}} << Fields{{Field::Name, "N"}, {k18, 1}} << 7 << false << true;
-    QTest::newRow("-18 missing ends") << Fields{{Field::Name, "n"}} << Fields{{Field::Name, "n"}} << k18 << false << false;
-    QTest::newRow("colours by rgb") << Fields{{7, QColor(1, 0, 0)}} << Fields{{7, QColor(0, 0, 1)}} << 7 << false << true;
+    QTest::newRow("-18 missing ends") << Fields{{Field::Name, "n"}} << Fields{{Field::Name, "n"}} << k18 << false
+                                      << false;
+    QTest::newRow("colours by rgb") << Fields{{7, QColor(1, 0, 0)}} << Fields{{7, QColor(0, 0, 1)}} << 7 << false
+                                    << true;
     QTest::newRow("natural strings") << Fields{{7, "item2"}} << Fields{{7, "item10"}} << 7 << true << false;
 }
 

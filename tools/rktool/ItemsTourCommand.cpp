@@ -82,9 +82,12 @@ QString checkMark(const QVariant& state)
     if (!state.isValid())
         return QStringLiteral("   ");
     switch (state.toInt()) {
-    case Qt::Checked: return QStringLiteral("[x]");
-    case Qt::PartiallyChecked: return QStringLiteral("[~]");
-    default: return QStringLiteral("[ ]");
+    case Qt::Checked:
+        return QStringLiteral("[x]");
+    case Qt::PartiallyChecked:
+        return QStringLiteral("[~]");
+    default:
+        return QStringLiteral("[ ]");
     }
 }
 
@@ -197,13 +200,13 @@ void tourItems(Io& io)
     doc.reset(); // models go first; each takes its nodes out of the objects' lists
 }
 
-const AreaRegistration registration{Area{
-    95, QStringLiteral("items"), QStringLiteral("subjects and item models (shown in the tour; no verbs)"),
-    QStringLiteral("Usage: rktool tour\n\n"
-                   "The item models show an application's objects by kind, by role and as one\n"
-                   "table. They read no files, so this area has no verbs: 'rktool tour' builds a\n"
-                   "small document and prints its three models as indented text.\n"),
-    [](Args&, Io&) -> int { throw UsageError{QStringLiteral("no verbs; the models are shown by 'rktool tour'")}; },
-    tourItems}};
+const AreaRegistration registration{
+    Area{95, QStringLiteral("items"), QStringLiteral("subjects and item models (shown in the tour; no verbs)"),
+         QStringLiteral("Usage: rktool tour\n\n"
+                        "The item models show an application's objects by kind, by role and as one\n"
+                        "table. They read no files, so this area has no verbs: 'rktool tour' builds a\n"
+                        "small document and prints its three models as indented text.\n"),
+         [](Args&, Io&) -> int { throw UsageError{QStringLiteral("no verbs; the models are shown by 'rktool tour'")}; },
+         tourItems}};
 
 } // namespace
