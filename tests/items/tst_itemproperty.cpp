@@ -187,8 +187,19 @@ void TestItemProperty::randomOperations()
                 types->removeNode(s->node(types));
                 m_types.removeCascading(s);
             }
-            types->addSubjectTo(id, s);
-            m_types.add(id, s);
+            if (rng.bounded(2)) {
+                types->addSubjectTo(id, s);
+                m_types.add(id, s);
+            } else { // insert at a random place, showing the folder first when needed
+                QRKAbstractItemModelCompoundNode* folder = types->folder(id);
+                if (!m_types.shown.contains(id)) {
+                    QVERIFY(types->addNode(folder, types->rootNode()));
+                    m_types.shown.append(id);
+                }
+                const int place = rng.bounded(folder->childCount() + 1);
+                QVERIFY(types->insertNode(s->createTreeNode(types), folder, place));
+                m_types.contents[id].insert(place, s);
+            }
             if (table->addSubject(s) != !m_table.contains(s))
                 QFAIL("addSubject disagrees with the rows");
             if (!m_table.contains(s))
