@@ -23,3 +23,11 @@
 #include "units/UnitRegistry.h"
 
 #include "matrix/MatrixData.h"
+
+#include "items/QRKAbstractItemModel.h"
+#include "items/QRKAbstractItemModelNode.h"
+#include "items/QRKAbstractSubject.h"
+#include "items/QRKObjectTypesTreeItemModel.h"
+#include "items/QRKSetsTreeItemModel.h"
+#include "items/QRKSortFilterProxyModel.h"
+#include "items/QRKTableItemModel.h"
