@@ -23,3 +23,13 @@
 #include "units/UnitRegistry.h"
 
 #include "matrix/MatrixData.h"
+
+#include "metadata/Exif.h"
+#include "metadata/File.h"
+#include "metadata/Image.h"
+#include "metadata/Iptc.h"
+#include "metadata/Jpeg.h"
+#include "metadata/Standard.h"
+#include "metadata/Tiff.h"
+#include "metadata/TiffHeader.h"
+#include "metadata/Xmp.h"
