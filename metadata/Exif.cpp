@@ -212,6 +212,14 @@ ExifData Exif::Value(Tag tag)
     return ExifData(m_tiff_header->IfdEntryValue(it.value()));
 }
 
+TiffHeader::Type Exif::ValueType(Tag tag)
+{
+    const auto it = m_tag_offsets.constFind(tag);
+    if (it == m_tag_offsets.constEnd() || !m_tiff_header)
+        return TiffHeader::TypeUnknown;
+    return m_tiff_header->IfdEntryType(it.value());
+}
+
 QByteArray Exif::Thumbnail()
 {
     const uint offset = Value(JPEGInterchangeFormat).ToUInt();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "metadata/Standard.h"
+#include "metadata/TiffHeader.h"
 
 #include <QByteArray>
 #include <QHash>
@@ -9,7 +10,7 @@
 
 namespace rkBase {
 
-class TiffHeader;
+
 
 /**
  * \brief One Exif value as its raw bytes, each number in big-endian order (as `TiffHeader`
@@ -197,6 +198,8 @@ public:
     bool Init(QIODevice* file, TiffHeader* header);
     /// The tag's value; empty (reads as 0 and "") when the file lacks the tag.
     ExifData Value(Tag tag);
+    /// Field type of the tag's entry, `TiffHeader::TypeUnknown` when the file lacks the tag.
+    TiffHeader::Type ValueType(Tag tag);
     /**
      * The JPEG thumbnail that tags 513 (offset) and 514 (length) describe, or an empty array
      * when either is 0. Never longer than what the device holds.
