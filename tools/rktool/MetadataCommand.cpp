@@ -15,6 +15,7 @@
 #include <QJsonObject>
 #include <QMetaEnum>
 #include <QSaveFile>
+#include <QSet>
 #include <QtEndian>
 
 #include <algorithm>
@@ -163,7 +164,18 @@ struct FileReport {
     QString reason;
 };
 
-FileReport describe(Image& image, const QString& label, const QString& thumbDir)
+// Two files of the same name from different folders must not overwrite each other's thumbnail.
+QString thumbnailPath(const QString& dir, const QString& file, QSet<QString>& used)
+{
+    const QString base = QFileInfo(file).completeBaseName() + QStringLiteral("_thumbnail");
+    QString name = base + QStringLiteral(".jpg");
+    for (int n = 2; used.contains(name); ++n)
+        name = QStringLiteral("%1_%2.jpg").arg(base).arg(n);
+    used.insert(name);
+    return QDir(dir).filePath(name);
+}
+
+FileReport describe(Image& image, const QString& label, const QString& thumbDir, QSet<QString>* used = nullptr)
 {
     FileReport rep;
     QJsonObject& j = rep.json;
@@ -215,9 +227,8 @@ FileReport describe(Image& image, const QString& label, const QString& thumbDir)
         j[QStringLiteral("thumbnail_bytes")] = thumb.size();
         rep.lines << QStringLiteral("  Thumbnail: %1").arg(thumb.isEmpty() ? QStringLiteral("none")
                                                                         : QStringLiteral("%1 bytes").arg(thumb.size()));
-        if (!thumb.isEmpty() && !thumbDir.isEmpty()) {
-            const QString out =
-                QDir(thumbDir).filePath(QFileInfo(label).completeBaseName() + QStringLiteral("_thumbnail.jpg"));
+        if (!thumb.isEmpty() && !thumbDir.isEmpty() && used) {
+            const QString out = thumbnailPath(thumbDir, label, *used);
             QSaveFile f(out);
             if (!f.open(QIODevice::WriteOnly) || f.write(thumb) != thumb.size() || !f.commit()) {
                 rep.failed = true;
@@ -279,13 +290,14 @@ int runMetadata(Args& args, Io& io)
 
     QJsonArray all;
     QStringList failures;
+    QSet<QString> usedNames;
     for (const QString& path : files) {
         if (QFileInfo(path).isDir()) {
             failures << QStringLiteral("%1: is a folder").arg(path);
             continue;
         }
         Image image(path);
-        const FileReport rep = describe(image, path, thumbDir);
+        const FileReport rep = describe(image, path, thumbDir, &usedNames);
         if (rep.failed)
             failures << rep.reason;
         if (json)
