@@ -64,7 +64,7 @@ class RKBASEQT_EXPORT Exif : public Standard {
     Q_OBJECT
 public:
     /// Tag numbers of the Exif 2.2 and TIFF 6.0 tables that this reader names.
-    enum Tag {
+    enum Tag : int {
         ExifIFDPointer = 34665, ///< "Exif IFD Pointer"
         GPSInfoIFDPointer = 34853, ///< "GPS Info IFD Pointer"
         InteroperabilityIFDPointer = 40965, ///< "Interoperability IFD Pointer"

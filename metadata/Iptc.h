@@ -24,7 +24,7 @@ class RKBASEQT_EXPORT Iptc : public Standard {
     Q_OBJECT
 public:
     /// Dataset numbers of record 2 that this reader names.
-    enum Tag {
+    enum Tag : int {
         RecordVersion = 0, ///< "Record Version"
         ObjectTypeReference = 3, ///< "Object Type Reference"
         ObjectAttributeReference = 4, ///< "Object Attribute Reference"

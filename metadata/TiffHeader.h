@@ -26,7 +26,7 @@ class RKBASEQT_EXPORT TiffHeader : public QObject {
     Q_OBJECT
 public:
     /// Field types of TIFF 6.0 under their numbers.
-    enum Type {
+    enum Type : int {
         TypeUnknown = 0,    ///< not a TIFF 6.0 type; its values read as empty
         TypeByte = 1,       ///< 8-bit unsigned
         TypeAscii = 2,      ///< 8-bit character, zero-terminated
