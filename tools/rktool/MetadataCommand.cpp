@@ -116,6 +116,8 @@ Shown showExif(Exif& exif, Exif::Tag tag)
 {
     const TiffHeader::Type type = exif.ValueType(tag);
     const QByteArray bytes = exif.Value(tag).bytes();
+    if (bytes.isEmpty()) // an entry whose value lies past the end of the file, or has no type
+        return {QStringLiteral("(empty)"), QJsonValue()};
     if (type == TiffHeader::TypeAscii) {
         const QString s = exif.Value(tag).ToString().trimmed();
         return {s, s};
