@@ -72,8 +72,8 @@ struct Corpus {
     QByteArray largePlain; // a big JPEG with no APP13, in memory
     Corpus()
     {
-        const int count = qEnvironmentVariableIsSet("RKBASE_BENCH_JPEGS") ? qEnvironmentVariableIntValue("RKBASE_BENCH_JPEGS")
-                                                                          : 1000;
+        const int count =
+            qEnvironmentVariableIsSet("RKBASE_BENCH_JPEGS") ? qEnvironmentVariableIntValue("RKBASE_BENCH_JPEGS") : 1000;
         std::fprintf(stderr, "writing %d JPEGs to %s ...\n", count, qPrintable(dir.path()));
         QList<QByteArray> pictures;
         for (int k = 0; k < 3; ++k) // about 3, 4 and 5 MB

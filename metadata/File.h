@@ -58,10 +58,10 @@ protected:
     /// Runs `InitExif`, `InitIptc` and `InitXmp`, in that order, when `IsValid` is true.
     void startUp();
 
-    Exif* m_exif = nullptr;     ///< Exif reader or null
+    Exif* m_exif = nullptr;      ///< Exif reader or null
     QIODevice* m_file = nullptr; ///< device read, or null
-    Iptc* m_iptc = nullptr;     ///< IPTC reader or null
-    Xmp* m_xmp = nullptr;       ///< XMP reader or null
+    Iptc* m_iptc = nullptr;      ///< IPTC reader or null
+    Xmp* m_xmp = nullptr;        ///< XMP reader or null
 };
 
 } // namespace rkBase

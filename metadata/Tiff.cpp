@@ -57,8 +57,7 @@ qint64 Tiff::tagValueOffset(int tag)
     if (!m_tiff_header)
         return -1;
     m_tiff_header->ToFirstIfd();
-    for (qint64 entry = m_tiff_header->NextIfdEntryOffset(); entry >= 0;
-         entry = m_tiff_header->NextIfdEntryOffset())
+    for (qint64 entry = m_tiff_header->NextIfdEntryOffset(); entry >= 0; entry = m_tiff_header->NextIfdEntryOffset())
         if (m_tiff_header->IfdEntryTag(entry) == tag)
             return m_tiff_header->IfdEntryOffset(entry);
     return -1;

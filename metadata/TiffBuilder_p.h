@@ -212,7 +212,10 @@ inline QByteArray resource(quint16 id, const QByteArray& data, const QByteArray&
     if (pascal.size() % 2)
         pascal += '\0';
     r += pascal;
-    r.append(char(data.size() >> 24)).append(char(data.size() >> 16)).append(char(data.size() >> 8)).append(char(data.size()));
+    r.append(char(data.size() >> 24))
+        .append(char(data.size() >> 16))
+        .append(char(data.size() >> 8))
+        .append(char(data.size()));
     r += data;
     if (data.size() % 2)
         r += '\0';

@@ -16,10 +16,10 @@ struct TypeUnit {
     int bytes;
 };
 const TypeUnit kTypeUnits[] = {
-    {TiffHeader::TypeByte, 1},  {TiffHeader::TypeAscii, 1},     {TiffHeader::TypeShort, 2},
-    {TiffHeader::TypeLong, 4},  {TiffHeader::TypeRational, 8},  {TiffHeader::TypeSByte, 1},
-    {TiffHeader::TypeUndefined, 1}, {TiffHeader::TypeSShort, 2}, {TiffHeader::TypeSLong, 4},
-    {TiffHeader::TypeSRational, 8}, {TiffHeader::TypeFloat, 4}, {TiffHeader::TypeDouble, 8},
+    {TiffHeader::TypeByte, 1},      {TiffHeader::TypeAscii, 1},    {TiffHeader::TypeShort, 2},
+    {TiffHeader::TypeLong, 4},      {TiffHeader::TypeRational, 8}, {TiffHeader::TypeSByte, 1},
+    {TiffHeader::TypeUndefined, 1}, {TiffHeader::TypeSShort, 2},   {TiffHeader::TypeSLong, 4},
+    {TiffHeader::TypeSRational, 8}, {TiffHeader::TypeFloat, 4},    {TiffHeader::TypeDouble, 8},
 };
 } // namespace
 

@@ -18,8 +18,8 @@ namespace {
 QByteArray sampleTiff(bool big)
 {
     Builder b(big);
-    b.add(Builder::Ifd0, 271, 2, ascii("Canon"))                   // ASCII in the data area
-        .add(Builder::Ifd0, 272, 2, ascii("EOS"))                   // ASCII in the entry itself
+    b.add(Builder::Ifd0, 271, 2, ascii("Canon"))  // ASCII in the data area
+        .add(Builder::Ifd0, 272, 2, ascii("EOS")) // ASCII in the entry itself
         .add(Builder::Ifd0, 274, 3, shorts({6}))
         .add(Builder::Ifd0, 282, 5, rationals({{1, 3}}))
         .add(Builder::Ifd0, 296, 3, shorts({2}))
@@ -114,7 +114,7 @@ private slots:
         r.header.ToFirstIfd();
         const qint64 make = r.header.NextIfdEntryOffset(), model = r.header.NextIfdEntryOffset();
         QCOMPARE(r.header.IfdEntryType(make), TiffHeader::TypeAscii);
-        QVERIFY(r.header.IfdEntryOffset(make) > 0);        // 6 bytes: elsewhere
+        QVERIFY(r.header.IfdEntryOffset(make) > 0);           // 6 bytes: elsewhere
         QCOMPARE(r.header.IfdEntryOffset(model), qint64(-1)); // 4 bytes: in the entry
         QCOMPARE(r.header.IfdEntryValue(model), QByteArray("EOS", 4));
         QCOMPARE(r.header.IfdEntryValue(make), QByteArray("Canon", 6));
@@ -131,15 +131,16 @@ private slots:
         const double inf = std::numeric_limits<double>::infinity();
         QTest::newRow("empty") << QByteArray() << 0 << 0u << std::nan("") << std::nanf("") << QString();
         QTest::newRow("short") << shorts({0x1234}) << 0x1234 << 0x1234u << inf << float(inf) << QString("\x12\x34");
-        QTest::newRow("two shorts concatenate") << shorts({1, 2}) << 0x10002 << 0x10002u << inf << float(inf) << QString();
-        QTest::newRow("0x80000000 fails signed") << longs({0x80000000u}) << 0 << 0x80000000u << inf << 0.0f / 0.0f
-                                                 << QString("\x80");
+        QTest::newRow("two shorts concatenate")
+            << shorts({1, 2}) << 0x10002 << 0x10002u << inf << float(inf) << QString();
+        QTest::newRow("0x80000000 fails signed")
+            << longs({0x80000000u}) << 0 << 0x80000000u << inf << 0.0f / 0.0f << QString("\x80");
         QTest::newRow("1/3") << rationals({{1, 3}}) << 0 << 0u << 1.0 / 3.0 << 1.0f / 3.0f << QString("");
-        QTest::newRow("srational -1/2 reads 0 signed") << rationals({{-1, 2}}) << 0 << 0u << 4294967295.0 / 2.0 << 0.0f
-                                        << QString("\xff\xff\xff\xff");
+        QTest::newRow("srational -1/2 reads 0 signed")
+            << rationals({{-1, 2}}) << 0 << 0u << 4294967295.0 / 2.0 << 0.0f << QString("\xff\xff\xff\xff");
         QTest::newRow("zero denominator") << rationals({{5, 0}}) << 0 << 0u << inf << float(inf) << QString("");
-        QTest::newRow("text stops at zero") << QByteArray("ab\0cd", 5) << 0 << 0u << 1633812579.0 / 100
-                                            << 1633812579.0f / 100.0f << QString("ab");
+        QTest::newRow("text stops at zero")
+            << QByteArray("ab\0cd", 5) << 0 << 0u << 1633812579.0 / 100 << 1633812579.0f / 100.0f << QString("ab");
         QTest::newRow("eight bytes overflow") << longs({1, 2}) << 0 << 0u << 0.5 << 0.5f << QString("");
         QTest::newRow("leading zeros fit") << longs({0, 7}) << 7 << 7u << 0.0 << 0.0f << QString("");
     }
@@ -199,7 +200,7 @@ private slots:
         QVERIFY(misread.headerOk);
         QCOMPARE(misread.header.current_ifd_offset(), qint64(10));
         QVERIFY(!misread.exifOk); // position 10 holds zeros: no entries
-        Reader atZero(tiff, 0); // at start 0 absolute and relative agree
+        Reader atZero(tiff, 0);   // at start 0 absolute and relative agree
         QVERIFY(atZero.exifOk);
         QCOMPARE(atZero.exif.Value(Exif::Orientation).ToInt(), 3);
     }
@@ -275,7 +276,8 @@ private slots:
                            .build();
         Reader r(b);
         QCOMPARE(r.exif.Thumbnail(), b.mid(8));
-        QByteArray zero = Builder(false).add(Builder::Ifd0, 513, 4, longs({8})).add(Builder::Ifd0, 514, 4, longs({0})).build();
+        QByteArray zero =
+            Builder(false).add(Builder::Ifd0, 513, 4, longs({8})).add(Builder::Ifd0, 514, 4, longs({0})).build();
         Reader z(zero);
         QVERIFY(z.exif.Thumbnail().isEmpty());
     }

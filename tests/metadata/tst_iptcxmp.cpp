@@ -24,11 +24,10 @@ private slots:
         QTest::addColumn<QByteArray>("value");
         QTest::addColumn<ByteList>("values");
 
-        const QByteArray keywords = dataset(0, QByteArray("\0\x04", 2)) + dataset(25, "rock") +
-                                    dataset(105, "first") + dataset(25, "fault") + dataset(105, "second") +
-                                    dataset(25, "dip");
-        QTest::newRow("repeatable keywords in file order") << keywords << true << 25 << QByteArray("dip")
-                                                           << ByteList{"rock", "fault", "dip"};
+        const QByteArray keywords = dataset(0, QByteArray("\0\x04", 2)) + dataset(25, "rock") + dataset(105, "first") +
+                                    dataset(25, "fault") + dataset(105, "second") + dataset(25, "dip");
+        QTest::newRow("repeatable keywords in file order")
+            << keywords << true << 25 << QByteArray("dip") << ByteList{"rock", "fault", "dip"};
         QTest::newRow("headline keeps the later one")
             << keywords << true << 105 << QByteArray("second") << ByteList{"second"};
         QTest::newRow("absent tag") << keywords << true << 80 << QByteArray() << ByteList{};
@@ -42,10 +41,14 @@ private slots:
                                         << QByteArray() << ByteList{};
         QTest::newRow("empty block") << QByteArray() << false << 5 << QByteArray() << ByteList{};
         // The extended-length bit is not special: the length is huge and the value runs to the end.
-        QTest::newRow("extended length") << QByteArray("\x1c\x02\x78\x80\x04" "abc", 8) << true << 120
-                                         << QByteArray("abc") << ByteList{"abc"};
-        QTest::newRow("truncated value") << QByteArray("\x1c\x02\x69\x00\x10" "abc", 8) << true << 105
-                                         << QByteArray("abc") << ByteList{"abc"};
+        QTest::newRow("extended length") << QByteArray("\x1c\x02\x78\x80\x04"
+                                                       "abc",
+                                                       8)
+                                         << true << 120 << QByteArray("abc") << ByteList{"abc"};
+        QTest::newRow("truncated value") << QByteArray("\x1c\x02\x69\x00\x10"
+                                                       "abc",
+                                                       8)
+                                         << true << 105 << QByteArray("abc") << ByteList{"abc"};
     }
     void iptc()
     {

@@ -41,7 +41,10 @@ QByteArray exifTiff(bool big)
         .build();
 }
 
-QByteArray iptcBlock() { return dataset(0, QByteArray("\0\x04", 2)) + dataset(25, "gneiss") + dataset(25, "shear zone"); }
+QByteArray iptcBlock()
+{
+    return dataset(0, QByteArray("\0\x04", 2)) + dataset(25, "gneiss") + dataset(25, "shear zone");
+}
 
 QByteArray tiffWith(const QList<Entry>& extra)
 {
@@ -100,20 +103,21 @@ private slots:
         QTest::newRow("no APP1: valid, no readers") << QByteArray() << Expect{1, false, false, false};
         QTest::newRow("XMP before Exif") << xmp + exif << Expect{1, true, false, true};
         QTest::newRow("read-only XMP dropped") << xmpSegment(xmpPacket("<x/>", 'r')) << Expect{1, false, false, false};
-        QTest::newRow("Photoshop IPTC") << photoshopSegment(resource(1028, iptcBlock())) << Expect{1, false, true, false};
+        QTest::newRow("Photoshop IPTC") << photoshopSegment(resource(1028, iptcBlock()))
+                                        << Expect{1, false, true, false};
         QTest::newRow("named even resource then IPTC")
             << photoshopSegment(resource(1005, "abcdefgh", "ab") + resource(1028, iptcBlock(), "x"))
             << Expect{1, false, true, false};
         QTest::newRow("odd resource hides IPTC")
             << photoshopSegment(resource(1005, "abc") + resource(1028, iptcBlock())) << Expect{1, false, false, false};
         QTest::newRow("only the first APP13 counts")
-            << segment(0xED, "Adobe_CM") + photoshopSegment(resource(1028, iptcBlock())) << Expect{1, false, false, false};
-        QTest::newRow("FF padding masks the marker")
-            << QByteArray("\xff", 1) + exif << Expect{1, false, false, false};
+            << segment(0xED, "Adobe_CM") + photoshopSegment(resource(1028, iptcBlock()))
+            << Expect{1, false, false, false};
+        QTest::newRow("FF padding masks the marker") << QByteArray("\xff", 1) + exif << Expect{1, false, false, false};
         QTest::newRow("resource size past the end")
             << photoshopSegment(QByteArray("8BIM\x03\xed\0\0\x7f\xff\xff\xff", 12)) << Expect{1, false, false, false};
-        QTest::newRow("Exif with a bad TIFF header") << exifSegment("XX*\0\x08\0\0\0") + exif
-                                                     << Expect{1, false, false, false};
+        QTest::newRow("Exif with a bad TIFF header")
+            << exifSegment("XX*\0\x08\0\0\0") + exif << Expect{1, false, false, false};
     }
     void jpegSegments()
     {
@@ -226,27 +230,37 @@ private slots:
             {QStringLiteral("exiv2__DSC_3079.jpg"), {Expect{1, true, false, true}, QStringLiteral("Sony")}},
             {QStringLiteral("exiv2__IMG_1361.dng"), {Expect{2, true, false, false}, QStringLiteral("Apple")}},
             {QStringLiteral("exiv2__Reagan.jpg"), {Expect{1, true, false, true}, QStringLiteral("NIKON CORPORATION")}},
-            {QStringLiteral("exiv2__cve_2017_18005_reproducer.tiff"), {Expect{2, true, false, false}, QStringLiteral("")}},
+            {QStringLiteral("exiv2__cve_2017_18005_reproducer.tiff"),
+             {Expect{2, true, false, false}, QStringLiteral("")}},
             {QStringLiteral("exiv2__exiv2-bug1247.jpg"), {Expect{1, false, false, false}, QStringLiteral("")}},
             {QStringLiteral("exiv2__exiv2-bug444.jpg"), {Expect{1, true, false, false}, QStringLiteral("NIKON")}},
             {QStringLiteral("exiv2__exiv2-bug784.jpg"), {Expect{1, true, false, true}, QStringLiteral("")}},
             {QStringLiteral("exiv2__exiv2-bug922.tif"), {Expect{2, true, false, true}, QStringLiteral("")}},
-            {QStringLiteral("exiv2__exiv2-nikon-d70.jpg"), {Expect{1, true, false, false}, QStringLiteral("NIKON CORPORATION")}},
+            {QStringLiteral("exiv2__exiv2-nikon-d70.jpg"),
+             {Expect{1, true, false, false}, QStringLiteral("NIKON CORPORATION")}},
             {QStringLiteral("exiv2__heap-oob-write.tiff"), {Expect{2, true, false, true}, QStringLiteral("")}},
-            {QStringLiteral("exiv2__iptc-psAPP13s-wIPTCs-psAPP13s-wIPTCs.jpg"), {Expect{1, false, false, false}, QStringLiteral("")}},
+            {QStringLiteral("exiv2__iptc-psAPP13s-wIPTCs-psAPP13s-wIPTCs.jpg"),
+             {Expect{1, false, false, false}, QStringLiteral("")}},
             {QStringLiteral("exiv2__issue_1881_poc.jpg"), {Expect{1, true, false, false}, QStringLiteral("*")}},
-            {QStringLiteral("exiv2__issue_ghsa_9jh3_fcc3_g6hv_poc.jpg"), {Expect{1, false, false, false}, QStringLiteral("")}},
-            {QStringLiteral("exiv2__issue_ghsa_mvc4_g5pv_4qqq_poc.jpg"), {Expect{1, false, false, false}, QStringLiteral("")}},
-            {QStringLiteral("exiv2__pr_1994_poc2.jpg"), {Expect{1, true, false, true}, QStringLiteral("NIKON CORPORATION")}},
+            {QStringLiteral("exiv2__issue_ghsa_9jh3_fcc3_g6hv_poc.jpg"),
+             {Expect{1, false, false, false}, QStringLiteral("")}},
+            {QStringLiteral("exiv2__issue_ghsa_mvc4_g5pv_4qqq_poc.jpg"),
+             {Expect{1, false, false, false}, QStringLiteral("")}},
+            {QStringLiteral("exiv2__pr_1994_poc2.jpg"),
+             {Expect{1, true, false, true}, QStringLiteral("NIKON CORPORATION")}},
             {QStringLiteral("exiv2__table.jpg"), {Expect{1, true, true, false}, QStringLiteral("")}},
-            {QStringLiteral("ianare__67-0_length_string.jpg"), {Expect{1, true, false, true}, QStringLiteral("samsung")}},
+            {QStringLiteral("ianare__67-0_length_string.jpg"),
+             {Expect{1, true, false, true}, QStringLiteral("samsung")}},
             {QStringLiteral("ianare__Canon_40D.jpg"), {Expect{1, true, false, false}, QStringLiteral("Canon")}},
-            {QStringLiteral("ianare__Fujifilm_FinePix6900ZOOM.jpg"), {Expect{1, true, false, false}, QStringLiteral("FUJIFILM")}},
-            {QStringLiteral("ianare__Konica_Minolta_DiMAGE_Z3.jpg"), {Expect{1, true, false, false}, QStringLiteral("KONICA MINOLTA ")}},
+            {QStringLiteral("ianare__Fujifilm_FinePix6900ZOOM.jpg"),
+             {Expect{1, true, false, false}, QStringLiteral("FUJIFILM")}},
+            {QStringLiteral("ianare__Konica_Minolta_DiMAGE_Z3.jpg"),
+             {Expect{1, true, false, false}, QStringLiteral("KONICA MINOLTA ")}},
             {QStringLiteral("pillow__empty_gps_ifd.jpg"), {Expect{1, true, false, false}, QStringLiteral("Xiaomi")}},
             {QStringLiteral("pillow__exif_typeerror.jpg"), {Expect{1, true, false, true}, QStringLiteral("")}},
             {QStringLiteral("pillow__multipage.tiff"), {Expect{2, true, false, false}, QStringLiteral("")}},
-            {QStringLiteral("pillow__multipage_single_frame_loop.tiff"), {Expect{2, true, false, false}, QStringLiteral("")}},
+            {QStringLiteral("pillow__multipage_single_frame_loop.tiff"),
+             {Expect{2, true, false, false}, QStringLiteral("")}},
             {QStringLiteral("pillow__truncated_exif_dpi.jpg"), {Expect{1, true, false, false}, QStringLiteral("")}},
             {QStringLiteral("pillow__ultrahdr.jpg"), {Expect{1, true, false, true}, QStringLiteral("Google")}},
         };

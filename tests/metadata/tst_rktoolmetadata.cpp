@@ -119,7 +119,8 @@ private slots:
         QTest::addColumn<QString>("message");
         QTest::newRow("no files") << QStringList{"metadata"} << 2 << "give one or more";
         QTest::newRow("unknown option") << QStringList{"metadata", "--jsonn", "x.jpg"} << 2 << "unknown option --jsonn";
-        QTest::newRow("option without folder") << QStringList{"metadata", "--extract-thumbnail"} << 2 << "needs a value";
+        QTest::newRow("option without folder")
+            << QStringList{"metadata", "--extract-thumbnail"} << 2 << "needs a value";
         QTest::newRow("missing file") << QStringList{"metadata", "/nonexistent/x.jpg"} << 1 << "cannot open";
         QTest::newRow("text file") << QStringList{"metadata", "@text"} << 1 << "not a JPEG or TIFF";
         QTest::newRow("folder") << QStringList{"metadata", "@dir"} << 1 << "is a folder";

@@ -184,9 +184,10 @@ FileReport describe(Image& image, const QString& label, const QString& thumbDir,
     j[QStringLiteral("file")] = label;
     static const char* const typeNames[] = {"unknown", "jpeg", "tiff"};
     j[QStringLiteral("type")] = QLatin1String(typeNames[image.file_type()]);
-    rep.lines << QStringLiteral("%1: %2").arg(label, image.file_type() == Image::FileTypeJpeg   ? QStringLiteral("JPEG")
-                                                    : image.file_type() == Image::FileTypeTiff ? QStringLiteral("TIFF")
-                                                                                               : QStringLiteral("unknown type"));
+    rep.lines << QStringLiteral("%1: %2").arg(label, image.file_type() == Image::FileTypeJpeg ? QStringLiteral("JPEG")
+                                                     : image.file_type() == Image::FileTypeTiff
+                                                         ? QStringLiteral("TIFF")
+                                                         : QStringLiteral("unknown type"));
     if (!image.device()) {
         rep.failed = true;
         rep.reason = QStringLiteral("%1: cannot open").arg(label);
@@ -227,8 +228,8 @@ FileReport describe(Image& image, const QString& label, const QString& thumbDir,
         }
         const QByteArray thumb = exif->Thumbnail();
         j[QStringLiteral("thumbnail_bytes")] = thumb.size();
-        rep.lines << QStringLiteral("  Thumbnail: %1").arg(thumb.isEmpty() ? QStringLiteral("none")
-                                                                        : QStringLiteral("%1 bytes").arg(thumb.size()));
+        rep.lines << QStringLiteral("  Thumbnail: %1")
+                         .arg(thumb.isEmpty() ? QStringLiteral("none") : QStringLiteral("%1 bytes").arg(thumb.size()));
         if (!thumb.isEmpty() && !thumbDir.isEmpty() && used) {
             const QString out = thumbnailPath(thumbDir, label, *used);
             QSaveFile f(out);
