@@ -137,6 +137,9 @@ const TagName kTagNames[] = {
 
 // Pointer directories beyond this many are not followed; real files have two or three.
 constexpr int kMaxPointedDirectories = 16;
+// Pointer entries of one directory whose values are read. Real directories hold one of each;
+// a hostile one full of pointers with huge counts would otherwise read the file once per entry.
+constexpr int kMaxPointersPerDirectory = 8;
 } // namespace
 
 ExifData::ExifData(const QByteArray& data) : m_data(data) {}
@@ -197,7 +200,7 @@ void Exif::ReadIfds(qint64 offset)
         if (!m_tag_names.contains(tag))
             continue;
         m_tag_offsets.insert(tag, entry);
-        if (tag == ExifIFDPointer || tag == GPSInfoIFDPointer)
+        if ((tag == ExifIFDPointer || tag == GPSInfoIFDPointer) && pending.size() < kMaxPointersPerDirectory)
             pending << file_start_offset() + metaio::toUnsigned(h->IfdEntryValue(entry));
     }
     for (qint64 p : pending)

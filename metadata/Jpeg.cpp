@@ -20,18 +20,13 @@ const QByteArray kXmpNamespace("http://ns.adobe.com/xap/1.0/");
 /// length) is `id`; returns the position after the identifier, or -1.
 qint64 findSegment(QIODevice* dev, uchar marker, int idBytes, const QByteArray& id)
 {
-    qint64 from = 2;
-    for (;;) {
-        const qint64 hit = metaio::scanMarker(dev, from, marker);
-        if (hit < 0)
-            return -1;
-        metaio::seekWithin(dev, hit);
-        metaio::readBounded(dev, 2);
-        const QByteArray read = metaio::readBounded(dev, idBytes);
-        if (metaio::untilZero(read) == id)
-            return dev->pos();
-        from = dev->pos();
+    metaio::MarkerScan scan(dev, 2);
+    while (scan.next(marker) >= 0) {
+        scan.take(2);
+        if (metaio::untilZero(scan.take(idBytes)) == id)
+            return scan.pos();
     }
+    return -1;
 }
 } // namespace
 
@@ -68,7 +63,7 @@ void Jpeg::InitIptc()
 {
     if (!m_file)
         return;
-    const qint64 hit = metaio::scanMarker(m_file, 2, kApp13);
+    const qint64 hit = metaio::MarkerScan(m_file, 2).next(kApp13);
     if (hit < 0)
         return;
     metaio::seekWithin(m_file, hit);

@@ -72,46 +72,78 @@ inline QByteArray untilZero(const QByteArray& bytes)
 }
 
 /**
- * Position just after the first pair FF `marker` at or after `from`, or -1. A byte FF followed
- * by anything else is consumed together with that byte, so FF FF `marker` does not match.
- * Reads the device in blocks, so that a file without the marker costs one pass at memory speed.
+ * Scans a JPEG's bytes for marker pairs FF xx without following segment lengths. A byte FF
+ * followed by anything but the wanted marker is consumed together with that byte, so FF FF xx
+ * does not match. The device is read in blocks kept between calls, so that a file without the
+ * marker costs one pass at memory speed and a file dense with false hits costs no more.
  */
-inline qint64 scanMarker(QIODevice* dev, qint64 from, uchar marker)
-{
-    constexpr qint64 kBlock = 1 << 16;
-    if (!dev || !seekWithin(dev, from))
-        return -1;
-    qint64 base = from;
-    bool pendingFF = false; // the block ended on an FF whose partner is in the next block
-    for (;;) {
-        const QByteArray block = dev->read(kBlock);
-        if (block.isEmpty())
-            return -1;
-        const auto* d = reinterpret_cast<const uchar*>(block.constData());
-        const int n = block.size();
-        int i = 0;
-        if (pendingFF) {
-            pendingFF = false;
-            if (d[0] == marker)
-                return base + 1;
-            i = 1;
-        }
-        while (i < n) {
-            const void* ff = std::memchr(d + i, 0xFF, static_cast<size_t>(n - i));
-            if (!ff)
-                break;
-            const int j = static_cast<int>(static_cast<const uchar*>(ff) - d);
-            if (j + 1 >= n) {
-                pendingFF = true;
-                break;
+class MarkerScan {
+public:
+    MarkerScan(QIODevice* dev, qint64 from) : m_dev(dev), m_pos(from) {}
+
+    /// Position just after the next FF `marker` pair at or after the current position, which
+    /// then stands there; -1 at the end of the device.
+    qint64 next(uchar marker)
+    {
+        for (;;) {
+            if (!ensure(2))
+                return -1;
+            const auto* d = reinterpret_cast<const uchar*>(m_buf.constData());
+            const int n = m_buf.size();
+            int i = static_cast<int>(m_pos - m_base);
+            while (i < n) {
+                const void* ff = std::memchr(d + i, 0xFF, static_cast<size_t>(n - i));
+                if (!ff) {
+                    i = n;
+                    break;
+                }
+                const int j = static_cast<int>(static_cast<const uchar*>(ff) - d);
+                if (j + 1 >= n) { // the partner byte is in the next block
+                    i = j;
+                    break;
+                }
+                if (d[j + 1] == marker) {
+                    m_pos = m_base + j + 2;
+                    return m_pos;
+                }
+                i = j + 2;
             }
-            if (d[j + 1] == marker)
-                return base + j + 2;
-            i = j + 2;
+            m_pos = m_base + i;
         }
-        base += n;
     }
-}
+
+    /// The next `count` bytes (fewer at the end of the device), moving past them.
+    QByteArray take(int count)
+    {
+        ensure(count);
+        const QByteArray out = m_buf.mid(static_cast<int>(m_pos - m_base), count);
+        m_pos += out.size();
+        return out;
+    }
+
+    qint64 pos() const { return m_pos; }
+
+private:
+    // True when at least `count` bytes from the current position are in the buffer, reading a
+    // new block from the device when they are not.
+    bool ensure(int count)
+    {
+        if (m_pos >= m_base && m_pos + count <= m_base + m_buf.size())
+            return true;
+        m_base = m_pos;
+        m_buf.clear();
+        if (!m_dev || !seekWithin(m_dev, m_pos))
+            return false;
+        m_buf = m_dev->read(qMax<qint64>(kBlock, count));
+        return m_buf.size() >= count;
+    }
+
+    static constexpr qint64 kBlock = 1 << 16;
+    QIODevice* m_dev;
+    qint64 m_pos;
+    qint64 m_base = 0;
+    QByteArray m_buf;
+};
 
 } // namespace metaio
 } // namespace rkBase

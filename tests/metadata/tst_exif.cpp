@@ -268,6 +268,24 @@ private slots:
         QCOMPARE(entries, TiffHeader::MaxDirectories);
     }
 
+    // A megabyte-sized directory of pointer entries whose values span the whole file: each is
+    // indexed, but the file is not read once per entry.
+    void denseHugePointers()
+    {
+        const int entries = 65535;
+        QByteArray b("II\x2a\0\x08\0\0\0", 8);
+        b.append(char(entries & 0xff)).append(char(entries >> 8));
+        for (int i = 0; i < entries; ++i)
+            b += QByteArray("\x69\x87\x04\0\xff\xff\xff\x3f\0\0\0\0", 12);
+        b += QByteArray(4, '\0');
+        QElapsedTimer t;
+        t.start();
+        Reader r(b);
+        QVERIFY(r.exifOk);
+        QCOMPARE(r.exif.tag_offsets().size(), 1);
+        QVERIFY2(t.elapsed() < 3000, qPrintable(QString::number(t.elapsed())));
+    }
+
     void thumbnailPastEnd()
     {
         QByteArray b = Builder(false)

@@ -210,6 +210,20 @@ private slots:
         QCOMPARE(file.iptc()->Value(Iptc::Keywords), QByteArray("shear zone"));
     }
 
+    // A megabyte of false APP1 hits: every one is checked, none re-reads the file.
+    void denseMarkers()
+    {
+        QByteArray jpeg = QByteArray("\xff\xd8", 2);
+        for (int i = 0; i < 200000; ++i)
+            jpeg += QByteArray("\xff\xe1\0\x08Exig\xff\xed", 10);
+        QElapsedTimer t;
+        t.start();
+        Jpeg file(&jpeg);
+        QVERIFY(file.IsValid());
+        QVERIFY(!file.exif() && !file.iptc() && !file.xmp());
+        QVERIFY2(t.elapsed() < 3000, qPrintable(QString::number(t.elapsed())));
+    }
+
     // Every real-world sample: no crash or hang, and the outcome its bytes call for.
     void corpus_data()
     {
