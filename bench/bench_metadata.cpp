@@ -77,7 +77,7 @@ struct Corpus {
         std::fprintf(stderr, "writing %d JPEGs to %s ...\n", count, qPrintable(dir.path()));
         QList<QByteArray> pictures;
         for (int k = 0; k < 3; ++k) // about 3, 4 and 5 MB
-            pictures << noisyJpeg(1400 + 150 * k, 1000 + 100 * k, 7 + k);
+            pictures << noisyJpeg(2100 + 300 * k, 1450 + 200 * k, 7 + k);
         const QByteArray thumb = noisyJpeg(160, 120, 99);
         for (int i = 0; i < count; ++i) {
             const QString path = dir.filePath(QStringLiteral("img%1.jpg").arg(i, 4, 10, QLatin1Char('0')));
