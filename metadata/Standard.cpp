@@ -1,0 +1,7 @@
+#include "metadata/Standard.h"
+
+namespace rkBase {
+
+Standard::Standard(QObject* parent) : QObject(parent) {}
+
+} // namespace rkBase
