@@ -1,6 +1,8 @@
 #pragma once
-// A console reporter that also remembers each benchmark's CPU time per iteration, so that a
-// program can print "library call / bare call" ratios after one run.
+// A console reporter that also remembers each benchmark's time per iteration, so that a program
+// can print "library call / bare call" ratios after one run. The time is CPU time, except for a
+// benchmark that asked for real time (its name ends in "/real_time"): that is one whose peer runs
+// in a child process, whose CPU time this process never sees.
 
 #include <benchmark/benchmark.h>
 
@@ -16,7 +18,8 @@ public:
     {
         for (const Run& r : runs)
             if (r.run_type == Run::RT_Iteration)
-                m_times[r.benchmark_name()] = r.GetAdjustedCPUTime();
+                m_times[r.benchmark_name()] = usesRealTime(r.benchmark_name()) ? r.GetAdjustedRealTime()
+                                                                               : r.GetAdjustedCPUTime();
         ConsoleReporter::ReportRuns(runs);
     }
 
@@ -45,5 +48,11 @@ public:
     }
 
 private:
+    static bool usesRealTime(const std::string& name)
+    {
+        static const std::string suffix = "/real_time";
+        return name.size() >= suffix.size() && name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
+    }
+
     std::map<std::string, double> m_times;
 };
