@@ -15,6 +15,8 @@
 #include "frame/AbstractProgress.h"
 #include "frame/Environment.h"
 #include "frame/LicenceOverlay.h"
+#include "frame/ProgressWidget.h"
+#include "frame/QDefaultProgress.h"
 #include "frame/rkProductInfo.h"
 
 #include "units/DisplayUnitManager.h"
@@ -40,3 +42,10 @@
 #include "metadata/Tiff.h"
 #include "metadata/TiffHeader.h"
 #include "metadata/Xmp.h"
+
+#include "wizards/AbstractSheet.h"
+#include "wizards/AbstractSheetHandler.h"
+#include "wizards/Wizard.h"
+#include "wizards/WizardForm.h"
+#include "wizards/WizardProgress.h"
+#include "wizards/WorkFlowTree.h"
