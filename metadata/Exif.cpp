@@ -168,8 +168,15 @@ Exif::Exif(QObject* parent) : Standard(parent) { InitTagNames(); }
 
 void Exif::InitTagNames()
 {
-    for (const TagName& t : kTagNames)
-        m_tag_names.insert(t.tag, QString::fromLatin1(t.name));
+    // Built once and shared (Qt's implicit sharing): a reader is made for every photo read, and
+    // building 120 strings each time cost more than reading the file's tags.
+    static const QHash<Tag, QString> names = [] {
+        QHash<Tag, QString> built;
+        for (const TagName& t : kTagNames)
+            built.insert(t.tag, QString::fromLatin1(t.name));
+        return built;
+    }();
+    m_tag_names = names;
 }
 
 bool Exif::Init(QIODevice* device, TiffHeader* header)

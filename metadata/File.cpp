@@ -49,7 +49,7 @@ protected:
         qint64 done = 0;
         while (done < maxSize && pos < m_size) {
             if (pos < m_blockStart || pos >= m_blockStart + m_blockLength) {
-                if (maxSize - done >= kBlock) { // large reads go straight to the caller
+                if (maxSize - done >= kFirstBlock) { // all but small reads go straight to the caller
                     const ssize_t n = ::pread(m_fd, data + done, size_t(maxSize - done), pos);
                     if (n <= 0)
                         break;
@@ -57,7 +57,10 @@ protected:
                     pos += n;
                     continue;
                 }
-                m_block.resize(size_t(kBlock));
+                // Small blocks while the readers hop between headers, growing while one scans on.
+                const bool onward = pos == m_blockStart + m_blockLength;
+                m_nextBlock = onward ? qMin(m_nextBlock * 2, kBlock) : kFirstBlock;
+                m_block.resize(size_t(m_nextBlock));
                 const ssize_t n = ::pread(m_fd, m_block.data(), m_block.size(), pos);
                 m_blockLength = n > 0 ? n : 0;
                 m_blockStart = pos;
@@ -76,12 +79,14 @@ protected:
 
 private:
     static constexpr qint64 kBlock = 64 * 1024;
+    static constexpr qint64 kFirstBlock = 4 * 1024;
     QFile m_file;
     int m_fd = -1;
     qint64 m_size = 0;
     std::vector<char> m_block;
     qint64 m_blockStart = 0;
     qint64 m_blockLength = 0;
+    qint64 m_nextBlock = kFirstBlock / 2;
 };
 
 } // namespace

@@ -84,14 +84,25 @@ Iptc::Iptc(QObject* parent) : Standard(parent)
 
 void Iptc::InitRepeatableTags()
 {
-    for (int t : kRepeatable)
-        m_repeatable_tags << static_cast<Tag>(t);
+    static const QList<Tag> repeatable = [] {
+        QList<Tag> built;
+        for (int t : kRepeatable)
+            built << static_cast<Tag>(t);
+        return built;
+    }();
+    m_repeatable_tags = repeatable;
 }
 
 void Iptc::InitTagNames()
 {
-    for (const TagName& t : kTagNames)
-        m_tag_names.insert(t.tag, QString::fromLatin1(t.name));
+    // Built once and shared, as the Exif names: one reader is made per photo.
+    static const QHash<Tag, QString> names = [] {
+        QHash<Tag, QString> built;
+        for (const TagName& t : kTagNames)
+            built.insert(t.tag, QString::fromLatin1(t.name));
+        return built;
+    }();
+    m_tag_names = names;
 }
 
 bool Iptc::Init(QIODevice* device, qint64 offset)

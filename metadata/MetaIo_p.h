@@ -134,11 +134,15 @@ private:
         m_buf.clear();
         if (!m_dev || !seekWithin(m_dev, m_pos))
             return false;
-        m_buf = m_dev->read(qMax<qint64>(kBlock, count));
+        // Blocks grow while the scan goes on: metadata sits near the start of most files, and a
+        // scan that ends there should not have read 64 KB for it.
+        m_buf = m_dev->read(qMax<qint64>(m_block, count));
+        m_block = qMin<qint64>(m_block * 2, kBlock);
         return m_buf.size() >= count;
     }
 
     static constexpr qint64 kBlock = 1 << 16;
+    qint64 m_block = 1 << 12;
     QIODevice* m_dev;
     qint64 m_pos;
     qint64 m_base = 0;
