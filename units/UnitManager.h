@@ -28,13 +28,20 @@ class RKBASEQT_EXPORT UnitManager : public QObject {
     Q_OBJECT
 
 public:
+    /// The manager's own name, such as "length" (fixed by the concrete class).
     const std::string& key() const { return m_key; }
+    /// The category it registered under in the display table; empty when not registered.
     const std::string& category() const { return m_category; }
+    /// The shared display table, or null.
     DisplayUnitManager* displayUnitManager() const { return m_displayUnitManager; }
+    /// Whether printed values carry the unit tag.
     bool showsUnitTag() const { return m_showTag; }
+    /// Whether values print in the compound form (such as degrees, minutes, seconds).
     bool getMSP() const { return m_msp; }
+    /// Turns the compound form on or off; only managers with a full chain support it.
     void setMSP(bool on) { m_msp = on; }
 
+    /// The key of the unit values are stored in.
     int modelUnit() const { return m_modelUnit; }
     /// The category's display unit; 0 when the category is not registered or there is no table.
     int displayUnit() const;
@@ -45,42 +52,66 @@ public:
     /// The chain of compound printing for `unit`: major, second and last unit keys, -1 for none.
     virtual void getMSPSystem(int unit, int& major, int& second, int& last) const;
 
+    /// The unit's name, such as "metre"; empty for a bad key.
     QString getUnitName(int unit) const;
+    /// The unit's tag, such as "m"; empty for a bad key.
     QString getUnitTag(int unit) const;
+    /// The display unit's name.
     QString getDisplayUnitName() const { return getUnitName(displayUnit()); }
+    /// The display unit's tag.
     QString getDisplayUnitTag() const { return getUnitTag(displayUnit()); }
+    /// The model unit's name.
     QString getModelUnitName() const { return getUnitName(m_modelUnit); }
     /// First unit whose name or tag (name tested first) equals `text` exactly; -1 if none.
     int getUnitKey(const QString& text) const;
     /// The parsing pattern: number, optional exponent, blanks, optional tag.
     QString regexString() const { return m_regexString; }
+    /// The category's name for people, from the display table; the argument is not read.
     QString getCategoryDisplayName(const std::string& ignored = std::string());
+    /// The category whose name for people is `name`; empty if none.
     std::string getCategoryFromDisplayName(const QString& name);
 
+    /// Makes `unit` the category's display unit in the shared table (every manager of the
+    /// category follows); keys outside the offered units are ignored.
     void displayUnit(int unit);
+    /// The same, by unit name; an unknown name is ignored.
     void displayUnit(const QString& name);
+    /// Sets the category's precision (decimals) in the shared table.
     void precision(int value);
     /// Overrides the table's precision for this manager alone, for good.
     void setCustomPrecision(int value);
+    /// Stores values in `unit` from now on (the factors are rebased); emits `unitChanged` when it
+    /// changes. Keys outside the offered units are ignored.
     void modelUnit(int unit);
     /// Unlike the int form, emits `unitChanged` even when the unit stays the same.
     void modelUnit(const QString& name);
+    /// Registers under `category` with this manager's default display unit and precision.
     void setCategory(const std::string& category);
+    /// Sets the category's name for people; ignored when not registered.
     void setCategoryDisplayName(const QString& name);
     /// Applies one stored scheme to the category.
     void setDisplayUnit(const DisplayUnitId& id);
+    /// Stores `unit` and `precision` for the category in scheme `id`.
     void setUnitList(const DisplayUnitId& id, int unit, int precision);
 
     /// `value * factor[from] / factor[to]`; the value unchanged for equal or bad keys.
     virtual double convert(double value, int from, int to) const;
+    /// From the model unit to the display unit.
     double convertModelToDisplay(double value) const;
+    /// From the model unit to `unit`.
     double convertModelToDisplay(double value, int unit) const;
+    /// From the display unit to the model unit.
     double convertDisplayToModel(double value) const;
 
     /// Model value in the display unit, padded to the precision's width, with the tag.
     virtual QString printValue(double modelValue) const;
+    /// Writes `value`, converted from `from` to `to` (-1: model and display unit), into `out` with
+    /// the precision's decimals, padded to `fieldWidth` (negative: on the right), and the tag when
+    /// `to` is a valid key. Uses the compound form when it is on. Returns `out`.
     virtual QString& printValue(QString& out, double value, int from, int to, int fieldWidth) const;
+    /// As printValue, with the absolute value of the converted number and the tag always added.
     virtual QString& printPositiveValue(QString& out, double value, int from, int to, int fieldWidth) const;
+    /// Model value as its absolute value in the display unit, with the tag.
     virtual QString printPositiveValue(double modelValue) const;
     /// Compound form (such as degrees, minutes, seconds) along the chain of `getMSPSystem`.
     virtual QString& printValueMSP(QString& out, double value, int from, int to, int fieldWidth) const;
@@ -100,29 +131,42 @@ public:
     /// The same, as views into `text` (no copies).
     int matchPattern(const QString& text, QStringRef& number, QStringRef& tag) const;
 
+    /// "\u00B0", for tags.
     static QString degreeString();
+    /// "\u00B2", for tags.
     static QString squaredString();
+    /// "\u00B3", for tags.
     static QString cubedString();
+    /// "\u00B7", for tags.
     static QString middleDotString();
+    /// Superscript minus one, for tags.
     static QString invertedString();
+    /// Superscript minus two, for tags.
     static QString invertedSquaredString();
 
 signals:
+    /// The model unit was set (to `unit`).
     void unitChanged(int unit);
 
 protected:
+    /// For concrete classes: `unitCount` units offered, stored in `modelUnit`, shown in
+    /// `defaultDisplayUnit` unless the category says otherwise; registers at setup().
     UnitManager(const std::string& key, const std::string& category, int unitCount, int modelUnit,
                 int defaultDisplayUnit, DisplayUnitManager* manager);
+    /// Managers are held through shared pointers; never deleted directly.
     ~UnitManager() override;
 
     /// Ends every concrete constructor: fills the tables, builds the pattern and registers the
     /// category. Must run exactly once.
     void setup(int precision);
+    /// Fills the unit table with addUnit(), in key order.
     virtual void initUnitTables() = 0;
     /// Appends one row; for `initUnitTables`.
     void addUnit(double factor, const QString& name, const QString& tag);
 
+    /// 0.3048, the international foot.
     static const double m_metresPerFoot;
+    /// 1609.344, the international mile.
     static const double m_metresPerMile;
 
 private slots:

@@ -19,6 +19,7 @@ namespace rkBase {
 /// Their compound chains end without a last unit, so compound printing must stay off for them.
 class RKBASEQT_EXPORT LengthUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     LengthUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~LengthUnitManager() override;
     void getMSPSystem(int unit, int& major, int& second, int& last) const override;
@@ -27,8 +28,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief Short lengths from kilometre down to millimetre, then mile, foot and inch (model: millimetre unless given).
 class RKBASEQT_EXPORT SmallLengthUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     SmallLengthUnitManager(const std::string& category, DisplayUnitManager* manager);
     /// Model unit as given; metre is then the default display unit.
     SmallLengthUnitManager(const std::string& category, int modelUnit, DisplayUnitManager* manager);
@@ -43,6 +46,7 @@ protected:
 /// The volume rows run metre, foot, kilometre, mile, unlike the area rows.
 class RKBASEQT_EXPORT AreaUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     AreaUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~AreaUnitManager() override;
 
@@ -50,8 +54,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief Volumes: cubic metre (model), foot, kilometre and mile.
 class RKBASEQT_EXPORT VolumeUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     VolumeUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~VolumeUnitManager() override;
 
@@ -67,6 +73,7 @@ protected:
 /// full turn in radians is not exact.
 class RKBASEQT_EXPORT AngleUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     AngleUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~AngleUnitManager() override;
     void getMSPSystem(int unit, int& major, int& second, int& last) const override;
@@ -83,6 +90,7 @@ protected:
 /// `AgeUnitManager` (million years) and `TimeFrequencyUnitManager` (hertz) have one unit each.
 class RKBASEQT_EXPORT TimeUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     TimeUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~TimeUnitManager() override;
     int numUnits() const override;
@@ -92,8 +100,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief Two-way and one-way travel times in milliseconds and seconds.
 class RKBASEQT_EXPORT PositiveTimeUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     PositiveTimeUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~PositiveTimeUnitManager() override;
     int numUnits() const override;
@@ -103,8 +113,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief Geological age in million years (one unit).
 class RKBASEQT_EXPORT AgeUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     AgeUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~AgeUnitManager() override;
     int numUnits() const override;
@@ -114,8 +126,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief Frequency in hertz (one unit).
 class RKBASEQT_EXPORT TimeFrequencyUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     TimeFrequencyUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~TimeFrequencyUnitManager() override;
     int numUnits() const override;
@@ -129,6 +143,7 @@ protected:
 /// pressure (model: megapascal; kilopascal to kilobar and psi).
 class RKBASEQT_EXPORT VelocityUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     VelocityUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~VelocityUnitManager() override;
 
@@ -136,8 +151,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief Density; model: kilogram per cubic metre.
 class RKBASEQT_EXPORT DensityUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     DensityUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~DensityUnitManager() override;
 
@@ -145,8 +162,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief Pressure; model: megapascal, shown from kilopascal to kilobar and psi.
 class RKBASEQT_EXPORT PressureUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     PressureUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~PressureUnitManager() override;
 
@@ -159,6 +178,7 @@ protected:
 /// a single unit each.
 class RKBASEQT_EXPORT TemperatureUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     TemperatureUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~TemperatureUnitManager() override;
     /// Exact formulas between the three scales; the value unchanged for equal or bad keys.
@@ -168,8 +188,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief Thermal conductivity (one unit).
 class RKBASEQT_EXPORT ThermalConductivityUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     ThermalConductivityUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~ThermalConductivityUnitManager() override;
     int numUnits() const override;
@@ -179,8 +201,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief Thermal diffusivity (one unit).
 class RKBASEQT_EXPORT ThermalDiffusivityUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     ThermalDiffusivityUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~ThermalDiffusivityUnitManager() override;
     int numUnits() const override;
@@ -190,8 +214,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief Specific heat capacity (one unit).
 class RKBASEQT_EXPORT SpecificHeatCapacityUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     SpecificHeatCapacityUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~SpecificHeatCapacityUnitManager() override;
     int numUnits() const override;
@@ -206,6 +232,7 @@ protected:
 /// millimetre; phi is a plain factor here, not a logarithm).
 class RKBASEQT_EXPORT PermeabilityUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     PermeabilityUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~PermeabilityUnitManager() override;
 
@@ -213,8 +240,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief A fraction, shown as a fraction or in percent.
 class RKBASEQT_EXPORT FractionUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     FractionUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~FractionUnitManager() override;
     void getMSPSystem(int unit, int& major, int& second, int& last) const override;
@@ -223,8 +252,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief A plain number: one unit with empty name and tag.
 class RKBASEQT_EXPORT DimensionlessUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     DimensionlessUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~DimensionlessUnitManager() override;
     void getMSPSystem(int unit, int& major, int& second, int& last) const override;
@@ -233,8 +264,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief Grain size; model: millimetre (phi is a plain factor here, not a logarithm).
 class RKBASEQT_EXPORT SedimentGrainUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     SedimentGrainUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~SedimentGrainUnitManager() override;
 
@@ -249,6 +282,7 @@ protected:
 /// so because stored values rely on it.
 class RKBASEQT_EXPORT P32UnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     P32UnitManager(const std::string& category, DisplayUnitManager* manager);
     ~P32UnitManager() override;
 
@@ -256,8 +290,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief Counts per volume.
 class RKBASEQT_EXPORT PerVolumeUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     PerVolumeUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~PerVolumeUnitManager() override;
 
@@ -265,8 +301,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief Depth coefficient: a quantity per length.
 class RKBASEQT_EXPORT DepthCoefficientUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     DepthCoefficientUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~DepthCoefficientUnitManager() override;
 
@@ -274,8 +312,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief Dimension frequency: counts per length.
 class RKBASEQT_EXPORT DimensionFrequencyUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     DimensionFrequencyUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~DimensionFrequencyUnitManager() override;
     void getMSPSystem(int unit, int& major, int& second, int& last) const override;
@@ -284,8 +324,10 @@ protected:
     void initUnitTables() override;
 };
 
+/// \brief Counts per area.
 class RKBASEQT_EXPORT DimensionFrequencySquaredUnitManager : public UnitManager {
 public:
+    /// Fills the unit table and, with a non-empty `category`, registers in `manager` (may be null).
     DimensionFrequencySquaredUnitManager(const std::string& category, DisplayUnitManager* manager);
     ~DimensionFrequencySquaredUnitManager() override;
     void getMSPSystem(int unit, int& major, int& second, int& last) const override;
