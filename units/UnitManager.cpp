@@ -289,33 +289,90 @@ QString& UnitManager::printValueMSP(QString& out, double value, int from, int to
     if (major == -1 && second == -1 && last == -1)
         return printWithoutMSP(out, value, from, to, fieldWidth);
 
+    // The decimals of the last part are the display unit's key, not the precision: with seconds
+    // (key 3) shown, the seconds carry three decimals.
+    const int decimals = m_displayUnitManager ? m_displayUnitManager->displayUnit(m_category) : 0;
+    if (validKey(major) && validKey(second) && validKey(last) && wholeRatio(major, second) && wholeRatio(second, last))
+        return printChainCarrying(out, value, from, to, major, second, last, fieldWidth, decimals);
+
+    // A chain without a last unit (the length chains) prints its major and second parts only.
+    // Parts that do not fit an int (huge values, NaN, infinities) make the whole print plain.
+    const auto fits = [](double v) { return std::isfinite(v) && std::fabs(v) < 2147483647.0; };
+    double majorPart = 0.0, secondPart = 0.0;
+    if (validKey(major))
+        majorPart = convert(value, from, major);
+    if (validKey(second)) {
+        secondPart = convert(value, from, second);
+        // Without a major unit there is nothing to take the remainder of.
+        if (validKey(major))
+            secondPart = std::fmod(secondPart, m_factors[static_cast<size_t>(major)] / m_factors[static_cast<size_t>(second)]);
+    }
+    if (!fits(majorPart) || !fits(secondPart) || !std::isfinite(value))
+        return printWithoutMSP(out, value, from, to, fieldWidth);
     out.clear();
     if (validKey(major)) {
-        const int whole = wholePart(convert(value, from, major), value);
+        const int whole = wholePart(majorPart, value);
         if (whole != 0)
             out += QStringLiteral("%1 %2").arg(QString::number(whole), getUnitTag(major));
     }
     if (validKey(second)) {
-        double part = convert(value, from, second);
-        // Without a major unit there is nothing to take the remainder of.
-        if (validKey(major))
-            part = std::fmod(part, m_factors[static_cast<size_t>(major)] / m_factors[static_cast<size_t>(second)]);
-        const int whole = wholePart(part, value);
+        const int whole = wholePart(secondPart, value);
         if (whole != 0)
             out += QStringLiteral(" %1 %2").arg(QString::number(whole), getUnitTag(second));
     }
-    // A chain without a last unit (the length chains) prints its major and second parts only.
     if (validKey(last)) {
         double rest = convert(value, from, last);
         if (validKey(second))
             rest = std::fmod(rest, m_factors[static_cast<size_t>(second)] / m_factors[static_cast<size_t>(last)]);
         if (std::fabs(rest) < 1e-10)
             rest = 0.0;
-        // The decimals of the last part are the display unit's key, not the precision: with
-        // seconds (key 3) shown, the seconds carry three decimals.
-        const int decimals = m_displayUnitManager ? m_displayUnitManager->displayUnit(m_category) : 0;
         out += QStringLiteral(" %5 %6").arg(formatNumber(rest, fieldWidth, decimals), getUnitTag(last));
     }
+    return out;
+}
+
+bool UnitManager::wholeRatio(int larger, int smaller) const
+{
+    const double ratio = m_factors[static_cast<size_t>(larger)] / m_factors[static_cast<size_t>(smaller)];
+    return std::isfinite(ratio) && ratio >= 1.5 && std::fabs(ratio - std::round(ratio)) < 1e-6 * ratio;
+}
+
+QString& UnitManager::printChainCarrying(QString& out, double value, int from, int to, int major, int second,
+                                         int last, int fieldWidth, int decimals) const
+{
+    // The catalogue's minute and second factors hold ten significant digits, so the ratios along
+    // the chain are 59.99999988 and 60.0000001 rather than 60, and splitting each part by its own
+    // conversion leaves 59.9999... in a part that should be 0, which then prints as "60.000" or
+    // "59.999" (at 359 degrees the second factor alone is off by a millisecond). Instead the
+    // quantity is taken in the major unit, counted in last units through the chain's whole
+    // ratios, rounded to the printed decimals and split again: a last part that rounds to a full
+    // unit carries into the part before it, and that one into the major part.
+    const auto factor = [this](int unit) { return m_factors[static_cast<size_t>(unit)]; };
+    const double majorRatio = std::round(factor(major) / factor(second));
+    const double lastRatio = std::round(factor(second) / factor(last));
+    const int shown = qBound(0, decimals, 9);
+    const double scale = std::pow(10.0, shown);
+    const double total = convert(value, from, major) * majorRatio * lastRatio;
+    const double scaled = std::round(std::fabs(total) * scale);
+    // Past 2^53 the scaled count is no longer whole, and the major part must fit an int.
+    if (!std::isfinite(total) || scaled >= 9007199254740992.0 || scaled / scale / lastRatio / majorRatio >= 2147483647.0)
+        return printWithoutMSP(out, value, from, to, fieldWidth);
+
+    const double perSecond = lastRatio * scale;
+    const double seconds = std::floor(scaled / perSecond);
+    const double rest = (scaled - seconds * perSecond) / scale;
+    const double majors = std::floor(seconds / majorRatio);
+    const double secondsLeft = seconds - majors * majorRatio;
+    // The sign of the input decides, as for the plain split: every non-zero part carries it.
+    const double sign = value > 0 ? 1.0 : -1.0;
+
+    out.clear();
+    if (majors != 0)
+        out += QStringLiteral("%1 %2").arg(QString::number(static_cast<int>(sign * majors)), getUnitTag(major));
+    if (secondsLeft != 0)
+        out += QStringLiteral(" %1 %2").arg(QString::number(static_cast<int>(sign * secondsLeft)), getUnitTag(second));
+    out += QStringLiteral(" %5 %6").arg(formatNumber(rest == 0 ? 0.0 : sign * rest, fieldWidth, shown),
+                                        getUnitTag(last));
     return out;
 }
 

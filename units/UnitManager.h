@@ -180,6 +180,9 @@ private:
     void rebaseFactors(int unit);
     QString& printPlain(QString& out, double value, int from, int to, int fieldWidth, bool positive) const;
     QString& printWithoutMSP(QString& out, double value, int from, int to, int fieldWidth) const;
+    bool wholeRatio(int larger, int smaller) const;
+    QString& printChainCarrying(QString& out, double value, int from, int to, int major, int second, int last,
+                                int fieldWidth, int decimals) const;
 
     DisplayUnitManager* m_displayUnitManager;
     QString m_regexString;

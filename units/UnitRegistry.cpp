@@ -342,6 +342,17 @@ std::pair<UnitRegistry::iterator, bool> UnitRegistry::insert_property(int index,
         return {existing, false};
 
     const int size = static_cast<int>(m_properties.size());
+    // Slot numbers come from files and other registries; one far past the end would allocate a
+    // record for every slot in between (a quarter of a kilobyte each), so it is refused as a
+    // name in use is.
+    if (index < -1 || index > size + kMaxSlotGap)
+        return {m_propertyIndex.end(), false};
+    if (unitKey != -1) {
+        const std::string wanted = category.empty() ? deduceCategory(name) : category;
+        const boost::shared_ptr<UnitManager> manager = getCategory(wanted);
+        if (manager && (unitKey < 0 || unitKey >= manager->numUnits()))
+            return {m_propertyIndex.end(), false};
+    }
     if (index < 0 || (index < size && inUse(m_properties[static_cast<size_t>(index)])))
         index = size;
     if (index >= size)

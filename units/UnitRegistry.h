@@ -188,6 +188,9 @@ public:
     static const std::string VERTEX_DISPLAY_SYSTEM_TYPE;
     ///@}
 
+    /// How far past the last slot insert_property accepts a slot number.
+    static constexpr int kMaxSlotGap = 65536;
+
     /// The text that lookups of unknown names return by reference.
     static const std::string m_emptyString;
 
@@ -335,7 +338,9 @@ public:
     /// Adds a property; an existing name changes nothing and gives false. `index` -1, or the
     /// index of a slot in use, appends; a free slot is reused only when named. An empty
     /// `category` is deduced from the name. `precision` -1 follows the category; `unitKey` -1
-    /// follows the category's display unit.
+    /// follows the category's display unit. Refused (false with the end iterator): an index
+    /// below -1 or more than kMaxSlotGap past the present end, and a unit key outside the
+    /// category's offered units.
     virtual std::pair<iterator, bool> insert_property(int index, const std::string& name, const std::string& systemType,
                                                       unsigned int usage, const QColor& colour,
                                                       const std::string& category, const int& precision,

@@ -6,6 +6,8 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <climits>
+
 #include <algorithm>
 #include <memory>
 
@@ -53,6 +55,8 @@ private slots:
     void deduceCategory();
     void insertChoices();
     void slotReuseOnlyByIndex();
+    void refusesHostileSlotsAndUnits_data();
+    void refusesHostileSlotsAndUnits();
     void eraseAndRename();
     void settersSignalOnlyOnChange();
     void propertiesFollowTheirCategory();
@@ -223,6 +227,50 @@ void TestUnitRegistry::slotReuseOnlyByIndex()
     info.m_index = 0;
     QCOMPARE(r.insert_property("whole", info).first->second, 7);
     QCOMPARE(added.calls.last(), qMakePair(std::string("whole"), int(r.property_info("whole").m_index)));
+}
+
+void TestUnitRegistry::refusesHostileSlotsAndUnits_data()
+{
+    QTest::addColumn<int>("index");
+    QTest::addColumn<int>("unitKey");
+    QTest::addColumn<bool>("accepted");
+    const int end = int(UnitRegistry().properties_size());
+    QTest::newRow("append") << -1 << -1 << true;
+    QTest::newRow("below -1") << -2 << -1 << false;
+    QTest::newRow("most negative") << INT_MIN << -1 << false;
+    QTest::newRow("largest") << INT_MAX << -1 << false;
+    QTest::newRow("a million") << 1000000 << -1 << false;
+    QTest::newRow("just past the bound") << end + UnitRegistry::kMaxSlotGap + 1 << -1 << false;
+    QTest::newRow("at the bound") << end + UnitRegistry::kMaxSlotGap << -1 << true;
+    QTest::newRow("a gap of ten") << end + 10 << -1 << true;
+    QTest::newRow("last unit of the category") << -1 << 3 << true;
+    QTest::newRow("unit key past the table") << -1 << 99 << false;
+    QTest::newRow("unit key beyond the offered units") << -1 << 4 << false;
+    QTest::newRow("negative unit key") << -1 << -7 << false;
+}
+
+void TestUnitRegistry::refusesHostileSlotsAndUnits()
+{
+    QFETCH(int, index);
+    QFETCH(int, unitKey);
+    QFETCH(bool, accepted);
+    UnitRegistry r;
+    PropertySpy added(r, &UnitRegistry::property_added);
+    const size_t before = r.properties_size();
+    // Elevation: metre, foot, kilometre, mile are offered.
+    auto result = r.insert_property(index, "depth of sample", R::REAL_SYSTEM_TYPE, 0, QColor(), R::CATEGORY_ELEVATION,
+                                    -1, unitKey);
+    QCOMPARE(result.second, accepted);
+    if (!accepted) {
+        QVERIFY(result.first == r.find_property("no such property"));
+        QCOMPARE(r.properties_size(), before);
+        QCOMPARE(r.property_index("depth of sample"), -1);
+        QVERIFY(added.calls.isEmpty());
+        return;
+    }
+    QCOMPARE(r.property_index("depth of sample"), result.first->second);
+    QCOMPARE(r.property_display_unit("depth of sample"), unitKey == -1 ? r.getElevationUnitManager()->displayUnit() : unitKey);
+    QVERIFY(!r.property_unit_tag("depth of sample").isEmpty());
 }
 
 void TestUnitRegistry::eraseAndRename()
