@@ -2,6 +2,9 @@
 
 #include "units/UnitRegistry.h"
 
+#include <QRegularExpression>
+
+#include <algorithm>
 #include <cmath>
 
 namespace rkBase {
@@ -533,5 +536,215 @@ QString UnitManager::cubedString() { return QString(QChar(0x00B3)); }
 QString UnitManager::middleDotString() { return QString(QChar(0x00B7)); }
 QString UnitManager::invertedString() { return QString(QChar(0x207B)) + QChar(0x00B9); }
 QString UnitManager::invertedSquaredString() { return QString(QChar(0x207B)) + QChar(0x00B2); }
+
+// --- strict reading -------------------------------------------------------
+
+namespace {
+
+// Length of the number at `from` in the strict form, 0 if there is none.
+int scanNumber(const QString& t, int from)
+{
+    const int n = t.size();
+    int i = from;
+    if (i < n && (t[i] == QLatin1Char('+') || t[i] == QLatin1Char('-') || t[i] == QChar(0x2212)))
+        ++i;
+    const int digitsFrom = i;
+    while (i < n && t[i].isDigit() && t[i].unicode() < 128)
+        ++i;
+    int digits = i - digitsFrom;
+    if (i < n && t[i] == QLatin1Char('.')) {
+        ++i;
+        const int fractionFrom = i;
+        while (i < n && t[i].isDigit() && t[i].unicode() < 128)
+            ++i;
+        digits += i - fractionFrom;
+    }
+    if (digits == 0)
+        return 0;
+    if (i < n && (t[i] == QLatin1Char('e') || t[i] == QLatin1Char('E'))) {
+        int j = i + 1;
+        if (j < n && (t[j] == QLatin1Char('+') || t[j] == QLatin1Char('-') || t[j] == QChar(0x2212)))
+            ++j;
+        const int expFrom = j;
+        while (j < n && t[j].isDigit() && t[j].unicode() < 128)
+            ++j;
+        if (j > expFrom) // "5e" or "5 m" with an e-word after it: the e belongs to what follows
+            i = j;
+    }
+    return i - from;
+}
+
+bool toFinite(const QString& number, double& value)
+{
+    QString ascii = number;
+    ascii.replace(QChar(0x2212), QLatin1Char('-'));
+    bool ok = false;
+    const double v = ascii.toLatin1().toDouble(&ok);
+    if (!ok || !std::isfinite(v))
+        return false;
+    value = v;
+    return true;
+}
+
+// The ASCII spellings people type for the glyphs of the catalogue's tags.
+QString normalisedUnitText(QString t)
+{
+    t.replace(QChar(0x03BC), QChar(0x00B5)); // Greek mu: the micro sign
+    t.replace(QLatin1String("^2"), QString(QChar(0x00B2)));
+    t.replace(QLatin1String("^3"), QString(QChar(0x00B3)));
+    t.replace(QLatin1String("**2"), QString(QChar(0x00B2)));
+    t.replace(QLatin1String("**3"), QString(QChar(0x00B3)));
+    static const QRegularExpression power(QStringLiteral("(?<=[A-Za-z])([23])(?=$|[/\\s*.])"));
+    QRegularExpressionMatchIterator it = power.globalMatch(t);
+    QString out;
+    int last = 0;
+    while (it.hasNext()) {
+        const QRegularExpressionMatch m = it.next();
+        out += t.midRef(last, m.capturedStart() - last);
+        out += m.captured(1) == QLatin1String("2") ? QChar(0x00B2) : QChar(0x00B3);
+        last = m.capturedEnd();
+    }
+    out += t.midRef(last);
+    t = out;
+    if (t.startsWith(QLatin1String("deg")) && t.size() == 4 && t[3].isLetter())
+        t = QString(QChar(0x00B0)) + t.mid(3); // degC, degF
+    if (t.size() >= 2 && t[0] == QLatin1Char('u') && t[1].isLetter())
+        t[0] = QChar(0x00B5); // um, us
+    return t;
+}
+
+QString singular(const QString& t)
+{
+    static const QList<QPair<QString, QString>> irregular{{QStringLiteral("feet"), QStringLiteral("foot")},
+                                                          {QStringLiteral("inches"), QStringLiteral("inch")}};
+    for (const auto& pair : irregular)
+        if (t.compare(pair.first, Qt::CaseInsensitive) == 0)
+            return pair.second;
+    if (t.size() > 3 && t.endsWith(QLatin1Char('s'), Qt::CaseInsensitive))
+        return t.left(t.size() - 1);
+    return QString();
+}
+
+int editDistance(const QString& a, const QString& b)
+{
+    std::vector<int> row(static_cast<size_t>(b.size()) + 1);
+    for (int j = 0; j <= b.size(); ++j)
+        row[static_cast<size_t>(j)] = j;
+    for (int i = 1; i <= a.size(); ++i) {
+        int diagonal = row[0];
+        row[0] = i;
+        for (int j = 1; j <= b.size(); ++j) {
+            const int above = row[static_cast<size_t>(j)];
+            const bool same = a[i - 1].toCaseFolded() == b[j - 1].toCaseFolded();
+            row[static_cast<size_t>(j)] = std::min({above + 1, row[static_cast<size_t>(j - 1)] + 1, diagonal + (same ? 0 : 1)});
+            diagonal = above;
+        }
+    }
+    return row[static_cast<size_t>(b.size())];
+}
+
+} // namespace
+
+bool UnitManager::readNumber(const QString& text, double& value)
+{
+    const QString t = text.trimmed();
+    return !t.isEmpty() && scanNumber(t, 0) == t.size() && toFinite(t, value);
+}
+
+int UnitManager::findUnit(const QString& text) const
+{
+    const QString t = text.trimmed();
+    if (t.isEmpty())
+        return -1;
+    const int rows = qMin(m_unitCount, m_unitNames.size());
+    // One unit that answers `matches`, or -1 when none or several do.
+    const auto single = [&](auto matches) {
+        int found = -1;
+        for (int i = 0; i < rows; ++i) {
+            if (!matches(m_unitNames.at(i)) && !matches(m_unitTags.at(i)))
+                continue;
+            if (found >= 0 && found != i)
+                return -2;
+            found = i;
+        }
+        return found;
+    };
+    for (const QString& candidate : {t, normalisedUnitText(t), singular(t)}) {
+        if (candidate.isEmpty())
+            continue;
+        const int exact = single([&](const QString& s) { return !s.isEmpty() && s == candidate; });
+        if (exact >= 0)
+            return exact;
+        const int folded = single([&](const QString& s) { return !s.isEmpty() && s.compare(candidate, Qt::CaseInsensitive) == 0; });
+        if (folded >= 0)
+            return folded;
+        if (folded == -2)
+            return -1; // two units differ by case alone: guessing would pick one at random
+    }
+    return -1;
+}
+
+QStringList UnitManager::nearestUnits(const QString& text, int count) const
+{
+    const QString t = text.trimmed();
+    QList<QPair<int, QString>> scored;
+    const int rows = qMin(m_unitCount, m_unitNames.size());
+    for (int i = 0; i < rows; ++i)
+        for (const QString& s : {m_unitNames.at(i), m_unitTags.at(i)}) {
+            if (s.isEmpty())
+                continue;
+            const int d = editDistance(t, s);
+            if (d <= qMax(1, qMin(s.size(), t.size()) / 2) && d < s.size())
+                scored.append({d, s});
+        }
+    std::stable_sort(scored.begin(), scored.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    QStringList out;
+    for (const auto& p : scored)
+        if (!out.contains(p.second) && out.size() < count)
+            out << p.second;
+    return out;
+}
+
+bool UnitManager::parseValueStrict(const QString& text, double& value, int to, int* unitOut, int* used) const
+{
+    const int n = text.size();
+    int start = 0;
+    while (start < n && text[start].isSpace())
+        ++start;
+    const int length = scanNumber(text, start);
+    double number = 0.0;
+    if (length == 0 || !toFinite(text.mid(start, length), number)) {
+        // A number too large for a double was still read as a number: `used` says so by pointing
+        // after it.
+        if (used)
+            *used = start + length;
+        return false;
+    }
+    const int afterNumber = start + length;
+    const QString rest = text.mid(afterNumber).trimmed();
+    int source = displayUnit();
+    if (!rest.isEmpty()) {
+        source = findUnit(rest);
+        if (source < 0) {
+            if (used)
+                *used = afterNumber;
+            return false;
+        }
+    }
+    if (to == -1)
+        to = m_modelUnit;
+    const double converted = convert(number, source, to);
+    if (!std::isfinite(converted)) {
+        if (used)
+            *used = afterNumber;
+        return false;
+    }
+    value = converted;
+    if (unitOut)
+        *unitOut = source;
+    if (used)
+        *used = n;
+    return true;
+}
 
 } // namespace rkBase

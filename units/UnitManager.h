@@ -125,6 +125,27 @@ public:
     /// Reads the number without converting. Only text whose number starts within its first two
     /// characters is accepted; any tag is ignored.
     bool parseNumber(const QString& text, double& value, int* unitOut = nullptr) const;
+    /// Reads "<number> [unit]" strictly, as a command line or a form that must not guess wants:
+    /// blanks around the text, the number first (sign +, - or U+2212, digits, one point, an
+    /// exponent with e or E), then nothing or one unit of this category as findUnit() knows it.
+    /// No unit means the display unit. Converts into `to` (-1: the model unit). False, with
+    /// `value` untouched, for anything else: text before the number, an unknown unit, NaN,
+    /// infinities or a number too large for a double. `used` receives how many characters were
+    /// understood (the whole text on success), so a caller can point at the rest. Unlike
+    /// parseValue, no display table is needed.
+    bool parseValueStrict(const QString& text, double& value, int to = -1, int* unitOut = nullptr,
+                          int* used = nullptr) const;
+    /// The unit a person means by `text`: a name or tag exactly; else the same ignoring case
+    /// where that picks one unit only; a plural name ("metres", "feet"); or an ASCII spelling
+    /// ("um" for the micro sign, "m2" or "m^2" for squared, "degC" for the degree sign, Greek mu
+    /// for the micro sign). -1 when none, or when several units would fit.
+    int findUnit(const QString& text) const;
+    /// Up to `count` unit names or tags closest to `text` by edit distance, nearest first, for
+    /// "did you mean" messages; empty when none is close.
+    QStringList nearestUnits(const QString& text, int count = 3) const;
+    /// Reads the whole of `text` as a finite number in the strict form of parseValueStrict.
+    static bool readNumber(const QString& text, double& value);
+
     /// Applies the compiled pattern to `text`: the position of the match (-1 for none), the
     /// number's text and the tag's text.
     int matchPattern(const QString& text, QString* number, QString* tag) const;

@@ -44,6 +44,13 @@ private slots:
     void convertNeedsCategoryWhenAmbiguous();
     void printUnderSchemes();
     void parse();
+    void strictReading_data();
+    void strictReading();
+    void refusals_data();
+    void refusals();
+    void shortestNumbers();
+    void listOneCategory();
+    void helpAndVersionForms();
     void listAsJson();
     void tourRuns();
 };
@@ -65,6 +72,14 @@ void TestRkTool::exitCodes_data()
     QTest::newRow("option without value") << QStringList{"units", "print", "5", "--category"} << 2;
     QTest::newRow("unknown category") << QStringList{"units", "print", "5", "--category", "weight"} << 2;
     QTest::newRow("bad scheme") << QStringList{"units", "list", "--scheme", "3"} << 2;
+    QTest::newRow("bad scheme name") << QStringList{"units", "list", "--scheme", "metrc"} << 2;
+    QTest::newRow("bad precision") << QStringList{"units", "convert", "1", "m", "ft", "--precision", "x"} << 2;
+    QTest::newRow("help of two areas") << QStringList{"help", "units", "version"} << 2;
+    // An unknown unit is a failed operation in every verb.
+    QTest::newRow("unknown unit, parse") << QStringList{"units", "parse", "5 furlong", "--category", "xy"} << 1;
+    QTest::newRow("unknown unit, print") << QStringList{"units", "print", "5", "--category", "xy", "--unit", "fur"} << 1;
+    QTest::newRow("unknown unit, convert in a category")
+        << QStringList{"units", "convert", "5", "m", "fur", "--category", "xy"} << 1;
     QTest::newRow("unknown units") << QStringList{"units", "convert", "5", "parsec", "km"} << 1;
     QTest::newRow("unreadable text") << QStringList{"units", "parse", "deep", "--category", "xy"} << 1;
     // The pattern reads "W/(m·K)" as a group, so it matches the text "W/m·K", which is no tag.
@@ -168,15 +183,132 @@ void TestRkTool::parse()
     const QJsonObject o = QJsonDocument::fromJson(r.out.toUtf8()).object();
     QCOMPARE(o.value(QStringLiteral("model_value")).toDouble(), 12500.0);
     QCOMPARE(o.value(QStringLiteral("unit_read")).toString(), QStringLiteral("kilometre"));
-    // Text after the value is ignored, as editors do, but the tool says so.
-    const Run junk = rktool({"units", "parse", "5 furlong", "--category", "xy"});
+    // The lenient reading ignores text after the value, as editors do, and says so, on stderr
+    // and in the JSON.
+    const Run junk = rktool({"units", "parse", "5 furlong", "--category", "xy", "--lenient"});
     QCOMPARE(junk.code, 0);
     QVERIFY(junk.out.startsWith(QStringLiteral("5 m ")));
     QVERIFY2(junk.err.contains(QStringLiteral("'furlong'")), qPrintable(junk.err));
+    const Run junkJson = rktool({"units", "parse", "5 furlong", "--category", "xy", "--lenient", "--json"});
+    QCOMPARE(QJsonDocument::fromJson(junkJson.out.toUtf8()).object().value(QStringLiteral("ignored")).toString(),
+             QStringLiteral("furlong"));
     // Without a tag the display unit of the scheme is read: feet under the imperial one.
     const Run feet = rktool({"units", "parse", "1000", "--category", "elevation", "--scheme", "1", "--json"});
     QCOMPARE(QJsonDocument::fromJson(feet.out.toUtf8()).object().value(QStringLiteral("model_value")).toDouble(),
              304.8);
+}
+
+void TestRkTool::strictReading_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("category");
+    QTest::addColumn<double>("stored");
+    QTest::addColumn<QString>("unitRead");
+    const QString minus = QString(QChar(0x2212));
+    QTest::newRow("case of a tag") << "100 KPa" << "pressure" << 0.1 << "kilopascal";
+    QTest::newRow("plural name") << "5 feet" << "xy" << 1.524 << "foot";
+    QTest::newRow("plural of a name") << "2 kilometres" << "xy" << 2000.0 << "kilometre";
+    QTest::newRow("upper-case name") << "12 KM" << "xy" << 12000.0 << "kilometre";
+    QTest::newRow("typographic minus") << minus + "5 km" << "xy" << -5000.0 << "kilometre";
+    QTest::newRow("upper-case exponent") << "5E3" << "xy" << 5000.0 << "metre";
+    QTest::newRow("no blank before the unit") << "5km" << "xy" << 5000.0 << "kilometre";
+    QTest::newRow("blanks around") << "  7 m  " << "xy" << 7.0 << "metre";
+    QTest::newRow("degC") << "20 degC" << "temperature" << 20.0 << QStringLiteral("degree Celsius");
+    const QString degree = QString(QChar(0x00B0));
+    QTest::newRow("dms with symbols") << "45" + degree + "30'15\"" << "orientation"
+                                      << 45 + 30 / 60.0 + 15 / 3600.0 << "degree";
+    QTest::newRow("dms with blanks") << "45 30 15" << "orientation" << 45 + 30 / 60.0 + 15 / 3600.0 << "degree";
+    QTest::newRow("dms with letters") << "45d30m15s" << "orientation" << 45 + 30 / 60.0 + 15 / 3600.0 << "degree";
+    QTest::newRow("negative dms") << "-12" + degree + "5'" << "orientation"
+                                  << -(12 + 5 / 60.0) << "degree";
+}
+
+void TestRkTool::strictReading()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, category);
+    QFETCH(double, stored);
+    QFETCH(QString, unitRead);
+    const Run r = rktool({"units", "parse", text, "--category", category, "--json"});
+    QVERIFY2(r.code == 0, qPrintable(r.err));
+    const QJsonObject o = QJsonDocument::fromJson(r.out.toUtf8()).object();
+    QVERIFY2(qAbs(o.value(QStringLiteral("model_value")).toDouble() - stored) <= 1e-12 * qMax(1.0, qAbs(stored)),
+             qPrintable(r.out));
+    QCOMPARE(o.value(QStringLiteral("unit_read")).toString(), unitRead);
+    QCOMPARE(o.value(QStringLiteral("reading")).toString(), QStringLiteral("strict"));
+}
+
+void TestRkTool::refusals_data()
+{
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("says");
+    const QStringList xy{"--category", "xy"};
+    QTest::newRow("text before the number") << QStringList{"units", "parse", "abc 5 km"} + xy << 1 << "start with a number";
+    QTest::newRow("unknown unit lists the units") << QStringList{"units", "parse", "5 furlong"} + xy << 1 << "ft (foot)";
+    QTest::newRow("typo gets a suggestion") << QStringList{"units", "parse", "5 kmm"} + xy << 1 << "did you mean 'km'";
+    QTest::newRow("text after the unit") << QStringList{"units", "parse", "5 m junk"} + xy << 1 << "unknown unit";
+    QTest::newRow("NaN to parse") << QStringList{"units", "parse", "nan"} + xy << 1 << "NaN and infinities";
+    QTest::newRow("infinity to convert") << QStringList{"units", "convert", "-inf", "m", "km"} << 2 << "NaN and infinities";
+    QTest::newRow("overflowing result") << QStringList{"units", "convert", "1e308", "km", "m"} << 1 << "too large";
+    QTest::newRow("number too large") << QStringList{"units", "parse", "1e999 m"} + xy << 1 << "too large";
+    QTest::newRow("minutes of 60") << QStringList{"units", "parse", "12 75 0", "--category", "orientation"} << 1
+                                   << "below 60";
+    QTest::newRow("empty text") << QStringList{"units", "parse", ""} + xy << 1 << "start with a number";
+    QTest::newRow("a megabyte of digits") << QStringList{"units", "parse", QString(100000, QLatin1Char('5')) + " fur"} + xy
+                                          << 1 << "characters)";
+    QTest::newRow("units differing by case only are not guessed")
+        << QStringList{"units", "convert", "1", "Mpa", "PSI", "--category", "pressure"} << 0 << "";
+}
+
+void TestRkTool::refusals()
+{
+    QFETCH(QStringList, args);
+    QFETCH(int, code);
+    QFETCH(QString, says);
+    const Run r = rktool(args);
+    QCOMPARE(r.code, code);
+    if (code == 0)
+        return;
+    QVERIFY(r.out.isEmpty());
+    QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
+    QVERIFY2(r.err.contains(says), qPrintable(r.err));
+    QVERIFY(r.err.size() < 400);
+}
+
+void TestRkTool::shortestNumbers()
+{
+    QCOMPARE(rktool({"units", "convert", "1", "ft", "m"}).out, QStringLiteral("0.3048 m\n"));
+    QCOMPARE(rktool({"units", "convert", "100", "degC", "K", "--category", "temperature"}).out,
+             QStringLiteral("373.15 K\n"));
+    QCOMPARE(rktool({"units", "convert", "1", "ft", "m", "--precision", "6"}).out, QStringLiteral("0.304800 m\n"));
+    QCOMPARE(rktool({"units", "parse", "1 ft", "--category", "xy"}).out,
+             QStringLiteral("0.3048 m (read as foot, stored in metre)\n"));
+}
+
+void TestRkTool::listOneCategory()
+{
+    const Run xy = rktool({"units", "list", "--category", "xy", "--scheme", "imperial"});
+    QCOMPARE(xy.code, 0);
+    QCOMPARE(xy.out.count(QStringLiteral("\n  units: ")), 1);
+    QVERIFY2(xy.out.contains(QStringLiteral("shown as foot with 1 decimal;")), qPrintable(xy.out));
+    const Run none = rktool({"units", "list", "--category", "dimensionless"});
+    QVERIFY2(none.out.contains(QStringLiteral("units: none: plain numbers only")), qPrintable(none.out));
+    QVERIFY(none.out.contains(QStringLiteral("shown as a plain number with 4 decimals")));
+    QCOMPARE(rktool({"units", "list", "--category", "xy", "--scheme", "mixed"}).code, 0);
+}
+
+void TestRkTool::helpAndVersionForms()
+{
+    QCOMPARE(rktool({"--version"}).out, rktool({"version"}).out);
+    QCOMPARE(rktool({"help", "units"}).out, rktool({"units", "--help"}).out);
+    const Run help = rktool({"--help"});
+    // Every usage form the main help shows works.
+    QVERIFY(help.out.contains(QStringLiteral("rktool --version")));
+    QVERIFY(help.out.contains(QStringLiteral("rktool help <area>")));
+    const Run unitsHelp = rktool({"units", "--help"});
+    for (const char* word : {"--lenient", "strict", "--precision", "metric, imperial or mixed", "45d30m15s"})
+        QVERIFY2(unitsHelp.out.contains(QLatin1String(word)), word);
 }
 
 void TestRkTool::listAsJson()

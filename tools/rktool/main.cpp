@@ -14,7 +14,8 @@ namespace {
 void printMainHelp(QTextStream& s)
 {
     s << "Usage: rktool <area> [verb] [options] [files]\n"
-         "       rktool <area> --help\n\n"
+         "       rktool <area> --help     (or: rktool help <area>)\n"
+         "       rktool --version\n\n"
          "Works with the rkBaseQt library from the command line.\n\n"
          "Areas:\n";
     for (const Area& a : areas())
@@ -43,10 +44,20 @@ int main(int argc, char** argv)
         printMainHelp(io.err);
         return BadUsage;
     }
-    const QString first = args.takeFirst();
-    if (first == QLatin1String("--help") || first == QLatin1String("-h") || first == QLatin1String("help")) {
+    QString first = args.takeFirst();
+    if (first == QLatin1String("help") && !args.isEmpty()) {
+        // "rktool help units" is "rktool units --help".
+        first = args.takeFirst();
+        if (!args.isEmpty()) {
+            io.err << "rktool: 'help' takes one area; see 'rktool --help'\n";
+            return BadUsage;
+        }
+        args << QStringLiteral("--help");
+    } else if (first == QLatin1String("--help") || first == QLatin1String("-h") || first == QLatin1String("help")) {
         printMainHelp(io.out);
         return Success;
+    } else if (first == QLatin1String("--version") || first == QLatin1String("-V")) {
+        first = QStringLiteral("version");
     }
     const Area* area = findArea(first);
     if (!area) {
