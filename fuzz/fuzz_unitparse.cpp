@@ -7,6 +7,7 @@
 
 #include <QRegExp>
 
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -67,6 +68,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     double number2 = 0;
     manager->parseNumber(text, number2, &unit);
     world->registry.parseValue(text, value, "fuzz_depth");
+
+    // The strict reading: a success reads the whole text into an offered unit, a finite value.
+    double strict = 0;
+    int strictUnit = -1, used = -1;
+    if (manager->parseValueStrict(text, strict, -1, &strictUnit, &used)) {
+        if (used != text.size() || strictUnit < 0 || strictUnit >= manager->numUnits() || !std::isfinite(strict))
+            std::abort();
+    } else if (used < 0 || used > text.size()) {
+        std::abort();
+    }
+    manager->nearestUnits(text);
 
     // Compound prints of what was read, and of the raw bytes as a double (NaN, infinities, huge).
     double raw = 0;
