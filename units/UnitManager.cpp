@@ -669,8 +669,10 @@ int UnitManager::findUnit(const QString& text) const
         }
         return found;
     };
-    for (const QString& candidate : {t, normalisedUnitText(t), singular(t)}) {
-        if (candidate.isEmpty())
+    // The spellings are built only when the text as typed is no unit: most texts are.
+    for (int step = 0; step < 3; ++step) {
+        const QString candidate = step == 0 ? t : step == 1 ? normalisedUnitText(t) : singular(t);
+        if (candidate.isEmpty() || (step > 0 && candidate == t))
             continue;
         const int exact = single([&](const QString& s) { return !s.isEmpty() && s == candidate; });
         if (exact >= 0)
