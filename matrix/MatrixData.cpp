@@ -582,8 +582,8 @@ void MatrixData::setValue(int row, int column, QVariant const& v)
 {
     if (row < 0 || column < 0)
         return;
-    if (column == 0 && row == m_rowCount)
-        m_cells.insert(row, QVariant());
+    // Writing at row == rowCount of column 0 first reserves the cell with a null and then writes
+    // it: the same key, so one insert does both.
     m_cells.insert(column * m_rowCount + row, v);
     if (column == 0 && row >= m_rowCount)
         m_rowCount = m_cells.size();
