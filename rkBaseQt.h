@@ -24,7 +24,9 @@
 #include "units/UnitManagers.h"
 #include "units/UnitRegistry.h"
 
+#include "matrix/AbstractMatrixDataID.h"
 #include "matrix/MatrixData.h"
+#include "matrix/MatrixDataRestore.h"
 
 #include "items/QRKAbstractItemModel.h"
 #include "items/QRKAbstractItemModelNode.h"

@@ -1,8 +1,14 @@
 #include "matrix/MatrixData.h"
 
+#include "matrix/AbstractMatrixDataID.h"
+#include "matrix/MatrixDataRestore.h"
 #include "units/UnitManager.h"
 #include "units/UnitRegistry.h"
 
+#include <QAction>
+#include <QMenu>
+
+#include <algorithm>
 #include <cmath>
 
 namespace rkBase {
@@ -148,6 +154,7 @@ MatrixData& MatrixData::operator=(MatrixData const& other)
 
 MatrixData::~MatrixData()
 {
+    clearUndoRedo();
     // Each child once: a shared child (keepOwnerAndID) belongs to the tree that made it, and a
     // copy lists its source's children without owning them.
     const QList<MatrixData*> children = m_children;
@@ -961,5 +968,479 @@ QString MatrixData::printValue(double v) const
         m_unitManager->printValue(out, v, -1, -1, 6);
     return out;
 }
+
+// --- row primitives (one column) ----------------------------------------------------------
+
+void MatrixData::removeRow(int row)
+{
+    --m_rowCount;
+    --m_validValueRowCount;
+    for (int i = row; i < m_rowCount; ++i)
+        m_cells.insert(i, m_cells.value(i + 1));
+}
+
+void MatrixData::unRemoveRow(int row, QVariant const& v)
+{
+    ++m_rowCount;
+    ++m_validValueRowCount;
+    for (int i = m_rowCount - 1; i > row; --i)
+        m_cells.insert(i, m_cells.value(i - 1));
+    m_cells.insert(row, v);
+}
+
+void MatrixData::insertRows(QList<int> const& rows, bool after)
+{
+    if (rows.isEmpty())
+        return;
+    const int k = rows.size();
+    const int from = rows.last() + (after ? 1 : 0);
+    for (int i = m_rowCount - 1; i >= from; --i)
+        m_cells.insert(i + k, m_cells.value(i));
+    m_rowCount += k;
+    m_validValueRowCount += k;
+    // Each row is addressed as if all k rows were already in place, as files made by earlier
+    // versions expect.
+    for (int r : rows)
+        m_cells.insert(r + (after ? 1 : 0) + k - 1, QVariant());
+}
+
+void MatrixData::unInsertRows(QList<int> const& rows)
+{
+    if (rows.isEmpty())
+        return;
+    const int k = rows.size();
+    for (int i = rows.first(); i < m_rowCount; ++i) {
+        auto above = m_cells.constFind(i + k);
+        if (above != m_cells.constEnd())
+            m_cells.insert(i, above.value());
+    }
+    m_rowCount -= k;
+    m_validValueRowCount -= k;
+}
+
+// --- row editing on the root ------------------------------------------------------------------
+
+QList<MatrixData*> MatrixData::twoLevelLeaves() const
+{
+    QList<MatrixData*> out;
+    for (MatrixData* group : m_children)
+        for (MatrixData* leaf : group->m_children)
+            out.append(leaf);
+    return out;
+}
+
+namespace {
+const QString kInsert = QStringLiteral("Row Operation: Insert Row: value=");
+const QString kRemove = QStringLiteral("Row Operation: Remove Row: value=");
+const QString kRemoveAll = QStringLiteral("Row Operation: Remove All Rows: value=");
+} // namespace
+
+int MatrixData::insertRowAtPos(int row)
+{
+    if (m_children.isEmpty()) { // a column inserts into itself
+        insertRows(QList<int>{row}, false);
+        return row;
+    }
+    if (m_matrixDataID) {
+        m_matrixDataID->insertRow(row);
+        for (MatrixData* leaf : twoLevelLeaves())
+            leaf->incrementRows(1);
+    } else {
+        for (MatrixData* leaf : twoLevelLeaves())
+            leaf->insertRowAtPos(row);
+    }
+    appendUndoAction(new MatrixDataRestore(this, kInsert + QString::number(row), false), true);
+    return row;
+}
+
+void MatrixData::insertRowsAtPos(QList<int> const& rows, bool after, bool viaLeaf)
+{
+    if (m_children.isEmpty()) {
+        insertRows(rows, after);
+        return;
+    }
+    QString text = kInsert;
+    if (m_matrixDataID) {
+        m_matrixDataID->insertRows(rows, after);
+        for (MatrixData* leaf : twoLevelLeaves())
+            leaf->incrementRows(rows.size());
+        for (int r : rows)
+            text += QLatin1Char(' ') + QString::number(r + (after ? 1 : 0));
+    } else {
+        for (MatrixData* leaf : twoLevelLeaves()) {
+            if (viaLeaf)
+                leaf->insertRowsAtPos(rows, after, true);
+            else
+                leaf->insertRows(rows, after);
+        }
+        for (int r : rows)
+            text += QString::number(r + (after ? 1 : 0)) + QLatin1Char(' ');
+    }
+    appendUndoAction(new MatrixDataRestore(this, text, false), true);
+}
+
+void MatrixData::removeRowFromEachColumn(int row)
+{
+    if (m_children.isEmpty()) {
+        removeRow(row);
+        return;
+    }
+    auto* entry = new MatrixDataRestore(this, kRemove + QString::number(row), false);
+    if (m_matrixDataID) {
+        m_matrixDataID->removeRow(row);
+        for (MatrixData* leaf : twoLevelLeaves())
+            leaf->decrementRows(1);
+    } else {
+        QList<QVariant> saved;
+        for (MatrixData* leaf : twoLevelLeaves()) {
+            saved.append(leaf->value(row, 0));
+            leaf->removeRow(row);
+        }
+        entry->removedData(saved);
+    }
+    appendUndoAction(entry, true);
+}
+
+void MatrixData::removeRowsFromEachColumn()
+{
+    if (!m_matrixDataID)
+        return;
+    const int count = m_matrixDataID->removeAllRows();
+    for (MatrixData* leaf : twoLevelLeaves())
+        leaf->decrementRows(count);
+    appendUndoAction(new MatrixDataRestore(this, kRemoveAll + QString::number(count), false), true);
+}
+
+void MatrixData::removeRowsFromEachColumn(QList<int> const& rows, bool strikeItself)
+{
+    QString text = kRemove;
+    auto* entry = new MatrixDataRestore(this, QString(), false);
+    if (m_matrixDataID) {
+        QList<int> sorted = rows;
+        std::sort(sorted.begin(), sorted.end(), std::greater<int>());
+        for (int r : sorted) {
+            m_matrixDataID->removeRow(r);
+            for (MatrixData* leaf : twoLevelLeaves())
+                leaf->decrementRows(1);
+        }
+    } else {
+        // In the caller's order: callers pass rows in descending order.
+        QList<QVariant> saved;
+        for (int r : rows)
+            for (MatrixData* group : m_children)
+                for (MatrixData* leaf : group->m_children) {
+                    saved.append(leaf->value(r, 0));
+                    if (strikeItself && leaf->name() == QLatin1String("strike"))
+                        leaf->removeRowFromEachColumn(r);
+                    else
+                        leaf->removeRow(r);
+                }
+        entry->removedData(saved);
+    }
+    for (int r : rows)
+        text += QLatin1Char(' ') + QString::number(r);
+    entry->setActionName(text);
+    appendUndoAction(entry, true);
+}
+
+bool MatrixData::removeRowsWhereValuesUndefined(QStringList const& names)
+{
+    QList<MatrixData*> columns;
+    for (const QString& n : names)
+        if (MatrixData* c = child(n))
+            columns.append(c);
+    if (columns.isEmpty())
+        return false;
+    QList<int> doomed;
+    const int rows = columns.first()->rowCount();
+    for (int r = 0; r < rows; ++r) {
+        bool bad = false;
+        for (MatrixData* c : columns)
+            bad = bad || !c->value(r, 0).isValid() || c->value(r, 0).isNull();
+        if (bad)
+            doomed.prepend(r); // ends in descending order
+    }
+    for (int r : doomed)
+        removeRowFromEachColumn(r);
+    return !doomed.isEmpty();
+}
+
+void MatrixData::insertOneRowForEachColumn(int row)
+{
+    if (row == -1) {
+        appendOneRowForEachColumn();
+        return;
+    }
+    for (MatrixData* leaf : twoLevelLeaves())
+        leaf->insertRows(QList<int>{row}, false);
+}
+
+void MatrixData::appendOneRowForEachColumn()
+{
+    for (MatrixData* leaf : twoLevelLeaves()) {
+        ++leaf->m_validValueRowCount;
+        if (leaf->m_validValueRowCount > leaf->rowCount()) {
+            leaf->m_cells.insert(leaf->m_cells.size(), QVariant());
+            ++leaf->m_rowCount;
+        }
+    }
+}
+
+// --- replay -------------------------------------------------------------------------------------
+
+void MatrixData::unInsertRowAtPos(QList<int> const& rows, bool viaLeaf)
+{
+    if (m_children.isEmpty()) {
+        unInsertRows(rows);
+        return;
+    }
+    if (m_matrixDataID) {
+        m_matrixDataID->undoInsertRows(rows);
+        for (MatrixData* leaf : twoLevelLeaves())
+            leaf->decrementRows(rows.size());
+        return;
+    }
+    for (MatrixData* leaf : twoLevelLeaves())
+        viaLeaf ? leaf->unInsertRowAtPos(rows, false) : leaf->unInsertRows(rows);
+}
+
+void MatrixData::reInsertRowAtPos(QList<int> const& rows, bool viaLeaf)
+{
+    if (m_children.isEmpty()) {
+        insertRows(rows, false);
+        return;
+    }
+    if (m_matrixDataID) {
+        m_matrixDataID->redoInsertRows(rows);
+        for (MatrixData* leaf : twoLevelLeaves())
+            leaf->incrementRows(rows.size());
+        return;
+    }
+    for (MatrixData* leaf : twoLevelLeaves())
+        viaLeaf ? leaf->reInsertRowAtPos(rows, false) : leaf->insertRows(rows, false);
+}
+
+void MatrixData::unRemoveRowFromEachColumn(int row, QList<QVariant> const& values)
+{
+    if (m_children.isEmpty()) {
+        unRemoveRow(row, values.value(0));
+        return;
+    }
+    if (m_matrixDataID) {
+        m_matrixDataID->undoRemoveRow(row);
+        for (MatrixData* leaf : twoLevelLeaves())
+            leaf->incrementRows(1);
+        return;
+    }
+    int i = 0;
+    for (MatrixData* leaf : twoLevelLeaves())
+        leaf->unRemoveRow(row, values.value(i++));
+}
+
+void MatrixData::unRemoveRowsFromEachColumn(QList<int> const& rows, QList<QVariant> const& values, bool viaLeaf)
+{
+    if (m_matrixDataID) {
+        for (int k = rows.size() - 1; k >= 0; --k) {
+            m_matrixDataID->undoRemoveRow(rows.at(k));
+            for (MatrixData* leaf : twoLevelLeaves())
+                leaf->incrementRows(1);
+        }
+        return;
+    }
+    // Rows, groups and leaves in reverse, so that each value goes back where it was taken from.
+    QList<QVariant> remaining = values;
+    const QList<MatrixData*> leaves = twoLevelLeaves();
+    for (int k = rows.size() - 1; k >= 0; --k)
+        for (int j = leaves.size() - 1; j >= 0; --j) {
+            const QVariant v = remaining.isEmpty() ? QVariant() : remaining.takeLast();
+            if (viaLeaf)
+                leaves.at(j)->unRemoveRowFromEachColumn(rows.at(k), QList<QVariant>{v});
+            else
+                leaves.at(j)->unRemoveRow(rows.at(k), v);
+        }
+}
+
+void MatrixData::reRemoveRowFromEachColumn(int row, bool viaLeaf)
+{
+    if (m_children.isEmpty()) {
+        removeRow(row);
+        return;
+    }
+    if (m_matrixDataID) {
+        m_matrixDataID->redoRemoveRow(row);
+        for (MatrixData* leaf : twoLevelLeaves())
+            leaf->decrementRows(1);
+        return;
+    }
+    for (MatrixData* leaf : twoLevelLeaves())
+        viaLeaf ? leaf->reRemoveRowFromEachColumn(row, false) : leaf->removeRow(row);
+}
+
+void MatrixData::reRemoveRowsFromEachColumn(QList<int> const& rows, bool viaLeaf)
+{
+    for (int r : rows) {
+        if (m_matrixDataID) {
+            m_matrixDataID->redoRemoveRow(r);
+            for (MatrixData* leaf : twoLevelLeaves())
+                leaf->decrementRows(1);
+            continue;
+        }
+        for (MatrixData* leaf : twoLevelLeaves())
+            viaLeaf ? leaf->reRemoveRowFromEachColumn(r, false) : leaf->removeRow(r);
+    }
+}
+
+void MatrixData::unRemoveRowsFromEachColumn()
+{
+    if (!m_matrixDataID)
+        return;
+    const int count = m_matrixDataID->undoRemoveAllRows();
+    for (MatrixData* leaf : twoLevelLeaves())
+        leaf->incrementRows(count);
+}
+
+void MatrixData::reRemoveRowsFromEachColumn()
+{
+    if (!m_matrixDataID)
+        return;
+    const int count = m_matrixDataID->redoRemoveAllRows();
+    for (MatrixData* leaf : twoLevelLeaves())
+        leaf->decrementRows(count);
+}
+
+// --- undo and redo lists --------------------------------------------------------------------------
+
+void MatrixData::pushUndoTrimmed(MatrixDataRestore* entry)
+{
+    if (int(m_undoList.size()) > MAX_UNDO_BEFORE_TRIM) {
+        delete m_undoList.front();
+        m_undoList.erase(m_undoList.begin());
+    }
+    m_undoList.push_back(entry);
+}
+
+void MatrixData::appendUndoAction(MatrixDataRestore* entry, bool clearRedo)
+{
+    if (!entry)
+        return;
+    pushUndoTrimmed(entry);
+    if (clearRedo) {
+        for (MatrixDataRestore* e : m_redoList)
+            delete e;
+        m_redoList.clear();
+    }
+}
+
+void MatrixData::appendRedoAction(MatrixDataRestore* entry)
+{
+    if (entry)
+        m_redoList.push_back(entry);
+}
+
+void MatrixData::removeLastUndoAction()
+{
+    if (m_undoList.empty())
+        return;
+    delete m_undoList.back();
+    m_undoList.pop_back();
+}
+
+void MatrixData::removeLastRedoAction()
+{
+    if (m_redoList.empty())
+        return;
+    delete m_redoList.back();
+    m_redoList.pop_back();
+}
+
+void MatrixData::clearUndoRedo()
+{
+    for (MatrixDataRestore* e : m_undoList)
+        delete e;
+    for (MatrixDataRestore* e : m_redoList)
+        delete e;
+    m_undoList.clear();
+    m_redoList.clear();
+}
+
+MatrixDataRestore* MatrixData::mirrorOf(MatrixDataRestore* entry, bool viaLeaf)
+{
+    if (auto* proxy = dynamic_cast<MatrixDataRestoreProxy*>(entry)) {
+        auto* mirror = new MatrixDataRestoreProxy;
+        proxy->restore(mirror);
+        mirror->setActionName(proxy->actionName());
+        return mirror;
+    }
+    auto* mirror = new MatrixDataRestore(entry);
+    entry->restore(this, mirror, viaLeaf);
+    return mirror;
+}
+
+MatrixDataRestore* MatrixData::undo(int index, bool viaLeaf)
+{
+    return index >= 0 && index < int(m_undoList.size()) ? mirrorOf(m_undoList.at(size_t(index)), viaLeaf) : nullptr;
+}
+
+MatrixDataRestore* MatrixData::redo(int index, bool viaLeaf)
+{
+    return index >= 0 && index < int(m_redoList.size()) ? mirrorOf(m_redoList.at(size_t(index)), viaLeaf) : nullptr;
+}
+
+void MatrixData::lastUndo(bool viaLeaf)
+{
+    if (m_undoList.empty())
+        return;
+    MatrixDataRestore* mirror = undo(int(m_undoList.size()) - 1, viaLeaf);
+    appendRedoAction(mirror);
+    removeLastUndoAction();
+}
+
+void MatrixData::lastRedo(bool viaLeaf)
+{
+    if (m_redoList.empty())
+        return;
+    MatrixDataRestore* mirror = redo(int(m_redoList.size()) - 1, viaLeaf);
+    removeLastRedoAction();
+    pushUndoTrimmed(mirror);
+}
+
+void MatrixData::menuStep(QAction* action, QMenu* menu, bool undoing)
+{
+    if (!action || !menu)
+        return;
+    std::vector<MatrixDataRestore*>& list = undoing ? m_undoList : m_redoList;
+    const int size = int(list.size());
+    const QList<QAction*> actions = menu->actions();
+    if (actions.size() - 3 != size)
+        return;
+    if (size == 1) {
+        undoing ? lastUndo(false) : lastRedo(false);
+        return;
+    }
+    const int chosen = action->data().toInt();
+    QList<MatrixDataRestore*> mirrors;
+    for (int k = 1; k <= actions.size() - 3; ++k) {
+        if (chosen != -1 && actions.at(k)->data().toInt() > chosen)
+            break;
+        const int index = size - k;
+        if (index < 0)
+            break;
+        MatrixDataRestore* m = undoing ? undo(index, false) : redo(index, false);
+        if (m)
+            mirrors.append(m);
+    }
+    for (MatrixDataRestore* m : mirrors) {
+        if (undoing) {
+            appendRedoAction(m);
+            removeLastUndoAction();
+        } else {
+            pushUndoTrimmed(m);
+            removeLastRedoAction();
+        }
+    }
+}
+
+void MatrixData::undo(QAction* action, QMenu* menu) { menuStep(action, menu, true); }
+void MatrixData::redo(QAction* action, QMenu* menu) { menuStep(action, menu, false); }
 
 } // namespace rkBase

@@ -18,11 +18,15 @@
 #include <string>
 #include <vector>
 
+class QAction;
+class QMenu;
+
 namespace rkBase {
 
 class UnitManager;
 class UnitRegistry;
 class AbstractMatrixDataID;
+class MatrixDataRestore;
 
 /// The number that stands for a blank cell wherever cells are read as numbers.
 constexpr int UNDEFINED_VALUE = 99999;
@@ -54,7 +58,7 @@ public:
     MatrixData(MatrixData const& other);
     /// Copies names, unit manager, cells, counts and flags; see the class notes on sharing.
     MatrixData& operator=(MatrixData const& other);
-    /// Deletes the children.
+    /// Deletes the children and the undo and redo entries.
     virtual ~MatrixData();
 
     // --- shape -------------------------------------------------------------------------------
@@ -219,6 +223,93 @@ public:
     virtual bool isValueValid(int row, int column) const;
     /// Whether the cell may be edited; the node's editability here.
     virtual bool isValueEditable(int row, int column);
+
+    // --- row editing (on the root; recorded for undo) --------------------------------------
+
+    /// Inserts a blank row at `row` in every column (on a leaf: in this column); returns `row`.
+    virtual int insertRowAtPos(int row);
+    /// Inserts the listed rows (after each when `after`); `viaLeaf` lets each column do it itself.
+    virtual void insertRowsAtPos(QList<int> const& rows, bool after, bool viaLeaf);
+    /// Removes `row` from every column, saving its values for undo.
+    virtual void removeRowFromEachColumn(int row);
+    /// With a delegate, removes every row; without one does nothing and records nothing.
+    virtual void removeRowsFromEachColumn();
+    /// Removes the listed rows in the order given (pass them in descending order), saving the
+    /// values; with `strikeItself` a column named "strike" removes through its own operation.
+    virtual void removeRowsFromEachColumn(QList<int> const& rows, bool strikeItself);
+    /// Removes, through removeRowFromEachColumn(int), every row where a cell of one of the named
+    /// columns is not valid; true when a row was removed.
+    bool removeRowsWhereValuesUndefined(QStringList const& names);
+    /// Inserts a blank row at `row` in every column (-1: appends one); records nothing.
+    void insertOneRowForEachColumn(int row);
+    /// Appends a blank row to every column that needs one; records nothing.
+    void appendOneRowForEachColumn();
+
+    /// Replay: takes the listed inserted rows out again.
+    virtual void unInsertRowAtPos(QList<int> const& rows, bool viaLeaf);
+    /// Replay: inserts the listed rows again.
+    virtual void reInsertRowAtPos(QList<int> const& rows, bool viaLeaf);
+    /// Replay: puts a removed row back with its values, one per column.
+    virtual void unRemoveRowFromEachColumn(int row, QList<QVariant> const& values);
+    /// Replay: puts removed rows back; values are taken from the end of the list.
+    virtual void unRemoveRowsFromEachColumn(QList<int> const& rows, QList<QVariant> const& values, bool viaLeaf);
+    /// Replay: removes `row` again.
+    virtual void reRemoveRowFromEachColumn(int row, bool viaLeaf);
+    /// Replay: removes the listed rows again.
+    virtual void reRemoveRowsFromEachColumn(QList<int> const& rows, bool viaLeaf);
+    /// Replay with a delegate: brings every removed row back.
+    void unRemoveRowsFromEachColumn();
+    /// Replay with a delegate: removes every row again.
+    void reRemoveRowsFromEachColumn();
+
+    /// Column primitive: removes `row`, moving later cells of column 0 down by one.
+    void removeRow(int row);
+    /// Column primitive: inserts `v` at `row`, moving later cells up by one.
+    void unRemoveRow(int row, QVariant const& v);
+    /// Column primitive: moves the cells from the last listed row on up by the number of rows
+    /// and writes a blank for each listed row r at r + after + k - 1 (k rows; each is addressed
+    /// as if all were already in place, as settled).
+    void insertRows(QList<int> const& rows, bool after);
+    /// Column primitive: takes out the rows inserted by insertRows.
+    void unInsertRows(QList<int> const& rows);
+
+    // --- undo and redo -----------------------------------------------------------------------
+
+    /// The undo list is trimmed to this many entries (plus the one being added).
+    static constexpr int MAX_UNDO_BEFORE_TRIM = 50;
+    /// Pushes `entry` (owned from now on), dropping the oldest beyond the limit; `clearRedo`
+    /// deletes every redo entry (a new edit invalidates them).
+    void appendUndoAction(MatrixDataRestore* entry, bool clearRedo);
+    /// Pushes `entry` (owned from now on) on the redo list.
+    void appendRedoAction(MatrixDataRestore* entry);
+    /// Number of undo entries.
+    int sizeUndoActions() const { return int(m_undoList.size()); }
+    /// Number of redo entries.
+    int sizeRedoActions() const { return int(m_redoList.size()); }
+    /// Undo entry `i` (oldest first).
+    MatrixDataRestore* undoAction(int i) const { return m_undoList.at(size_t(i)); }
+    /// Redo entry `i` (oldest first).
+    MatrixDataRestore* redoAction(int i) const { return m_redoList.at(size_t(i)); }
+    /// The undo entries, oldest first.
+    const std::vector<MatrixDataRestore*>& undoList() const { return m_undoList; }
+    /// The redo entries, oldest first.
+    const std::vector<MatrixDataRestore*>& redoList() const { return m_redoList; }
+    /// Deletes the newest undo entry.
+    void removeLastUndoAction();
+    /// Deletes the newest redo entry.
+    void removeLastRedoAction();
+    /// Deletes every entry of both lists.
+    void clearUndoRedo();
+    /// Undoes the newest entry; its mirror goes on the redo list.
+    void lastUndo(bool viaLeaf);
+    /// Redoes the newest redo entry; its mirror goes on the undo list.
+    void lastRedo(bool viaLeaf);
+    /// Undoes down to the entry chosen in an undo button's menu (`action`'s data: the index,
+    /// -1 for all). The menu holds one action per entry and three more; any other menu is
+    /// ignored.
+    void undo(QAction* action, QMenu* menu);
+    /// The same for the redo button.
+    void redo(QAction* action, QMenu* menu);
 
     // --- statistics cache ----------------------------------------------------------------------
 
@@ -407,9 +498,19 @@ protected:
     int m_columnCount = 1;
     /// Rows that hold a value.
     int m_validValueRowCount = 0;
+    /// Undo entries, oldest first (owned).
+    std::vector<MatrixDataRestore*> m_undoList;
+    /// Redo entries, oldest first (owned).
+    std::vector<MatrixDataRestore*> m_redoList;
 
 private:
     int maxBaseCount(bool valid) const;
+    QList<MatrixData*> twoLevelLeaves() const;
+    MatrixDataRestore* undo(int index, bool viaLeaf);
+    MatrixDataRestore* redo(int index, bool viaLeaf);
+    MatrixDataRestore* mirrorOf(MatrixDataRestore* entry, bool viaLeaf);
+    void pushUndoTrimmed(MatrixDataRestore* entry);
+    void menuStep(QAction* action, QMenu* menu, bool undoing);
     void assignIdAndStats(MatrixData* child, bool keepOwnerAndID, bool onlyWithRows);
 
     QString m_name;
