@@ -755,6 +755,8 @@ void MatrixData::clearWriteContainer(int) {}
 void MatrixData::removeRowIndices(int) {}
 bool MatrixData::isValueValid(int, int) const { return true; }
 bool MatrixData::isValueEditable(int, int) { return m_nodeEditable; }
+QWidget* MatrixData::comboBoxEditor(QWidget*) { return nullptr; }
+QWidget* MatrixData::comboBoxEditor(QWidget* parent, QModelIndex) { return comboBoxEditor(parent); }
 
 // --- statistics cache -----------------------------------------------------------------------
 

@@ -20,6 +20,7 @@
 
 class QAction;
 class QMenu;
+class QWidget;
 
 namespace rkBase {
 
@@ -223,6 +224,11 @@ public:
     virtual bool isValueValid(int row, int column) const;
     /// Whether the cell may be edited; the node's editability here.
     virtual bool isValueEditable(int row, int column);
+    /// An editor for a node whose cells choose from a list (a lookup table, symbols), made as a
+    /// child of `parent`; null here: the view's own editor serves.
+    virtual QWidget* comboBoxEditor(QWidget* parent);
+    /// The same for the cell at `index`.
+    virtual QWidget* comboBoxEditor(QWidget* parent, QModelIndex index);
 
     // --- row editing (on the root; recorded for undo) --------------------------------------
 
