@@ -27,6 +27,7 @@
 #include "matrix/AbstractMatrixDataID.h"
 #include "matrix/MatrixData.h"
 #include "matrix/MatrixDataRestore.h"
+#include "matrix/SymmetricEigen.h"
 
 #include "items/QRKAbstractItemModel.h"
 #include "items/QRKAbstractItemModelNode.h"

@@ -7,6 +7,7 @@
 #include <QList>
 #include <QMap>
 #include <QModelIndex>
+#include <QPointF>
 #include <QSet>
 #include <QString>
 #include <QVariant>
@@ -340,6 +341,72 @@ public:
     /// untouched without rows.
     virtual void getMinMaxForColumn(int const& column, double& min, double& max, double& sum, int& count,
                                     boost::dynamic_bitset<> const& rows);
+
+    // --- statistics and analyses ---------------------------------------------------------------
+
+    /// Kinds of histogram made by newFrequencyData().
+    enum HistogramType {
+        HISTOGRAM_COUNT = 0,     ///< counts per bin
+        HISTOGRAM_PERCENT = 1,   ///< percentage of all counted values per bin
+        HISTOGRAM_CUMULATIVE = 2 ///< running total of the percentages
+    };
+    /// Minimum, mean and maximum over every column and the rows whose bit is set (all for an
+    /// empty set); false without columns or values (the outputs are then 0).
+    bool getMinMax(double& min, double& mean, double& max, boost::dynamic_bitset<> const& rows);
+    /// Population standard deviation of column 0 about the value of row 1 (where a statistics
+    /// table holds its mean, as it always was); 0 without values.
+    double standardDeviation();
+    /// Mean direction in degrees of the directions in column 0 (empty `rows`: all rows), and in
+    /// `length` the mean resultant length; 99999 when the cosines sum to about 0.
+    double resultantMeanDirection(double& length, std::vector<int> const& rows);
+    /// Least-squares line through the QPointF cells; a vertical set gives slope 99999 and the
+    /// mean y as intercept. Values below 5e-6 become 0.
+    void calculateRegressionLine(double& slope, double& intercept, double& correlation);
+    /// Eigenvalues, largest first, of the orientation matrix of the QPointF cells read as
+    /// (plunge, azimuth) in degrees; false (outputs 0) when the solver does not settle.
+    bool calculateMomentsOfInertia(double& largest, double& middle, double& smallest);
+    /// Plunge and azimuth (degrees) of a line with `rakeOrPitch` on a plane of `strike` and `dip`.
+    static void plungeAndAzimuth(double& plunge, double& azimuth, double const& rakeOrPitch, double const& strike,
+                                 double const& dip);
+    /// The same with the quadrant the rake is measured from ("N", "E", "S", "W" or the words).
+    static void plungeAndAzimuth(double& plunge, double& azimuth, double const& rakeOrPitch, double const& strike,
+                                 double const& dip, QString const& quadrant);
+    /// A new "Measured Depth" column (owned by the caller): the running 3D distance between
+    /// consecutive rows of `x`, `y`, `z`; null without columns.
+    static MatrixData* createMeasuredDepth(MatrixData* x, MatrixData* y, MatrixData* z);
+    /// Adds (or refills) a computed "Measured Depth" column from "East", "North" and "Z" of this
+    /// table; returns it, or null when the table has no data or lacks one of them.
+    MatrixData* createMeasuredDepth();
+    /// A histogram of column 0 (owned by the caller): 50 bins for `step` 99999 (the step used is
+    /// written back), bins of 1 for `step` 0. `axial` false counts a direction also at +180.
+    MatrixData* newFrequencyData(double& step, HistogramType type, std::vector<int> const& rows, MatrixData* owner,
+                                 bool axial, bool startAtZero);
+    /// The histogram with `bins` bins of `step` from `start`; the values of `secondary` in each
+    /// bin go to `binValues` when it is given.
+    MatrixData* newFrequencyData(double step, int bins, double start, HistogramType type,
+                                 std::vector<int> const& rows, MatrixData* secondary, MatrixData* owner,
+                                 std::vector<std::vector<QVariant>>& binValues, bool axial);
+    /// A new table (owned by the caller) with one row per run of equal keys (within 0.0005):
+    /// the mean of `valueColumn` and the key.
+    MatrixData* reduceToAveraged(int keyColumn, int valueColumn);
+    /// y at `x`, linear between the rows (ordered by x); the end values outside; 99999 with
+    /// fewer than two rows or coincident x.
+    double getInterpolationValue(double x, int xColumn, int yColumn);
+    /// Fills the rows strictly between `from` and `to` linearly from the two end values;
+    /// `restore`, when given, records column 0 of each row first.
+    void interpolate(int from, int to, int column, MatrixDataRestore* restore);
+    /// A filter step of a twentieth of the selected rows (at least 1), remembered.
+    int defaultFilterStepSize(int rows);
+    /// The remembered filter step; -1 before one was computed.
+    int defaultFilterStepSize() const { return m_defaultFilterStepSize; }
+    /// Forgets and recomputes the filter step.
+    void resetDefaultFilterStepSize();
+    /// The bin of `v` among `n` bins of `step` from `start`, counting it in `counts` and filling
+    /// the bounds up to it; the top of the last bin belongs to it. -1 when no bin holds `v`.
+    static int findInterval(double v, int const& n, double const& start, double const& step, int* counts,
+                            double* lower, double* upper);
+    /// Whether `p` lies in the closed polygon of the QPointF cells (winding angle).
+    bool pointInOrOut(QPointF const& p);
 
     // --- names and flags -----------------------------------------------------------------------
 
