@@ -20,7 +20,10 @@
 #include <vector>
 
 class QAction;
+class QDataStream;
 class QMenu;
+class QMimeData;
+class QTextStream;
 class QWidget;
 
 namespace rkBase {
@@ -28,6 +31,7 @@ namespace rkBase {
 class UnitManager;
 class UnitRegistry;
 class AbstractMatrixDataID;
+class AbstractProgress;
 class MatrixDataRestore;
 
 /// The number that stands for a blank cell wherever cells are read as numbers.
@@ -407,6 +411,50 @@ public:
                             double* lower, double* upper);
     /// Whether `p` lies in the closed polygon of the QPointF cells (winding angle).
     bool pointInOrOut(QPointF const& p);
+
+    // --- CSV, streams and clipboard ------------------------------------------------------------
+
+    /// The first line of a table file: "Ardmuir Fenton,4DTesk2.0 v1.0".
+    static QString csvFileIdentifier();
+    /// The line that starts a further table in the same file.
+    static QString csvFileTableSeparator();
+    /// Writes the selected leaves (root, group, leaf) as a table file: the header block, the
+    /// statistics rows when `statistics`, then the rows. `raw` writes stored numbers instead of
+    /// display values; `append` adds the table after a separator line; `checkRows` recounts the
+    /// valid rows first. On failure `*ok` (when given) is false, `errorText` (when given) gets
+    /// the reason, and a warning box appears only when `parent` is given or a widget application
+    /// runs. `progress` (optional) sees one step per row.
+    bool writeCSV(QString const& file, bool* ok, bool raw, bool append, bool statistics, bool checkRows,
+                  QWidget* parent, AbstractProgress* progress = nullptr, QString* errorText = nullptr);
+    /// Reads table `table` (0: the first) of a table file into this root, adding groups and
+    /// leaves; a file without the header block goes to readCSV_withNoHeader(). False, with the
+    /// tree as it was, for a missing or unreadable file or a header that does not add up.
+    bool readCSV(QString const& file, int table, AbstractProgress* progress = nullptr);
+    /// Reads a plain comma-separated file whose first line names the columns: one group named
+    /// after the file, a column per name, numbers where every non-empty field of a column is a
+    /// number and text otherwise.
+    bool readCSV_withNoHeader(QString const& file);
+    /// Writes one header field of this leaf: "SystemType", "AttributeName", "AttributeColor",
+    /// "DisplayUnit" or "UnitCategory".
+    void writeCSVHeaderData(QString const& label, QTextStream& stream);
+    /// Writes the cell of `row` as the table file holds it (display units unless `raw`).
+    void putDataOnStream(int row, QTextStream& stream, bool raw);
+    /// Writes a cached statistic: 0 minimum, 1 mean, 2 maximum.
+    void putMinMaxMeanDataOnStream(QTextStream& stream, int which);
+    /// Writes the leaf in binary: row count, cell type, name, then each cell.
+    void putDataOnStream(QDataStream& stream, bool raw);
+    /// Writes the cell of `row` in binary (a blank number as 99999).
+    void putDataOnStream(int row, QDataStream& stream, bool raw);
+    /// Replaces the leaf by one read with putDataOnStream(QDataStream&, bool).
+    void getDataFromStream(QDataStream& stream);
+    /// Reads one cell written by putDataOnStream(int, QDataStream&, bool) into (row, column).
+    void getDataFromStream(int row, int column, QDataStream& stream);
+    /// Puts the columns as an HTML table (names in the header row) into `mime`.
+    static void setHTML_MimeData(QMimeData* mime, std::vector<MatrixData*> const& columns);
+    /// The colour as "#RRGGBB" text.
+    QString colorHexaString() const;
+    /// A colour from "#RRGGBB" text; invalid for anything else.
+    static QColor colorFromHexaString(QString const& text);
 
     // --- names and flags -----------------------------------------------------------------------
 
