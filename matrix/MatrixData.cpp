@@ -708,9 +708,15 @@ void MatrixData::checkValidRowCount()
         const QVariant v = value(i, 0);
         if (v.isNull())
             continue;
-        // A symbol number 0 is a value; read as text it would be "0" anyway, but through the
-        // number so that the type's own conversion decides.
-        const QString text = m_cellType == QVariant::Icon ? QString::number(toInt(i, 0)) : v.toString();
+        // A number's text is never empty (a symbol number 0 included), so only other cells need
+        // their text looked at; turning millions of numbers into text would cost more than reading them.
+        const int type = int(v.type());
+        if (m_cellType == QVariant::Icon || type == QMetaType::Double || type == QMetaType::Int ||
+            type == QMetaType::Bool || type == QMetaType::LongLong) {
+            ++count;
+            continue;
+        }
+        const QString text = v.toString();
         if (!text.isEmpty() && !text.isNull())
             ++count;
     }

@@ -13,7 +13,11 @@
 #include <QMimeData>
 #include <QTextStream>
 
+#include <charconv>
 #include <cmath>
+#include <cstring>
+#include <string_view>
+#include <vector>
 
 namespace rkBase {
 
@@ -185,99 +189,153 @@ bool MatrixData::readCSV(QString const& file, int table, AbstractProgress* progr
         return false;
     const QByteArray bytes = f.readAll();
     f.close();
-    const QString text = QString::fromUtf8(bytes);
-    // Empty lines are kept: in a one-column table an empty line is a blank cell, or an empty
-    // unit or category row of the header, and dropping it would shift every row after it.
-    // Only the empty lines that close the file, or a table before a separator, are dropped.
-    QVector<QStringRef> lines = text.splitRef(QLatin1Char('\n'));
-    for (QStringRef& l : lines)
-        if (l.endsWith(QLatin1Char('\r')))
-            l.chop(1);
-    while (!lines.isEmpty() && lines.last().isEmpty())
-        lines.removeLast();
-    const QString separator = csvFileTableSeparator(), identifier = csvFileIdentifier();
+    // The file stays in its bytes: only the few header lines become text, and numbers are read
+    // straight from the bytes. Empty lines are kept: in a one-column table an empty line is a
+    // blank cell, or an empty unit or category row of the header, and dropping it would shift
+    // every row after it. Only the empty lines that close the file, or a table before a
+    // separator, are dropped.
+    const char* data = bytes.constData();
+    struct Span {
+        int start, length;
+    };
+    std::vector<Span> lines;
+    lines.reserve(size_t(bytes.count('\n')) + 1);
+    for (int start = 0; start < bytes.size();) {
+        const char* nl = static_cast<const char*>(std::memchr(data + start, '\n', size_t(bytes.size() - start)));
+        const int end = nl ? int(nl - data) : bytes.size();
+        int length = end - start;
+        if (length > 0 && data[start + length - 1] == '\r')
+            --length;
+        lines.push_back({start, length});
+        start = end + 1;
+    }
+    while (!lines.empty() && lines.back().length == 0)
+        lines.pop_back();
+    const auto view = [&](size_t i) { return std::string_view(data + lines[i].start, size_t(lines[i].length)); };
+    const auto text = [&](size_t i) { return QString::fromUtf8(data + lines[i].start, lines[i].length); };
+    const QByteArray separatorBytes = csvFileTableSeparator().toUtf8(), identifierBytes = csvFileIdentifier().toUtf8();
+    const std::string_view separator(separatorBytes.constData(), size_t(separatorBytes.size()));
+    const std::string_view identifier(identifierBytes.constData(), size_t(identifierBytes.size()));
+    const auto holds = [&](size_t i, std::string_view what) { return view(i).find(what) != std::string_view::npos; };
 
-    int s = 0;
+    size_t s = 0;
     if (table > 0) {
         // Table n is found by stepping over n separators; without separators the identifier
         // line (or the bare maker's line) starts the only table.
-        int seen = 0, found = -1;
-        for (int i = 0; i < lines.size() && found < 0; ++i)
-            if (lines[i].contains(separator) && ++seen == table)
-                found = i;
-        if (found < 0)
-            for (int i = 0; i < lines.size() && found < 0; ++i)
-                if (lines[i] == identifier || lines[i] == QLatin1String("Ardmuir Fenton"))
-                    found = i;
-        if (found < 0)
+        int seen = 0;
+        bool found = false;
+        for (size_t i = 0; i < lines.size() && !found; ++i)
+            if (holds(i, separator) && ++seen == table) {
+                s = i;
+                found = true;
+            }
+        for (size_t i = 0; i < lines.size() && !found; ++i)
+            if (view(i) == identifier || view(i) == std::string_view("Ardmuir Fenton")) {
+                s = i;
+                found = true;
+            }
+        if (!found)
             return false;
-        s = found;
     }
-    for (int i = s + 1; i < lines.size(); ++i)
-        if (lines[i].contains(separator)) {
+    for (size_t i = s + 1; i < lines.size(); ++i)
+        if (holds(i, separator)) {
             lines.resize(i);
-            while (lines.size() > s + 1 && lines.last().isEmpty())
-                lines.removeLast();
+            while (lines.size() > s + 1 && lines.back().length == 0)
+                lines.pop_back();
             break;
         }
-    if (lines.isEmpty())
+    if (lines.empty())
         return false;
-    if (!lines.first().contains(QLatin1String("Ardmuir Fenton")) && !lines.first().contains(QLatin1String("RKETesk 2014.1")))
+    if (!holds(0, "Ardmuir Fenton") && !holds(0, "RKETesk 2014.1"))
         return readCSV_withNoHeader(file);
     if (lines.size() <= s + 4)
         return false;
 
     removeEmptyGroups();
-    const QVector<QStringRef> groups = lines[s + 1].split(QLatin1Char(','));
-    const QVector<QStringRef> types = lines[s + 2].split(QLatin1Char(','));
-    const QVector<QStringRef> names = lines[s + 3].split(QLatin1Char(','));
-    const QVector<QStringRef> colours = lines[s + 4].split(QLatin1Char(','));
-    QVector<QStringRef> units, categories;
-    int first = 5;
-    if (lines.first().contains(QLatin1String("4DTesk2.0 v1.0")) || lines.first().contains(QLatin1String("RKETesk 2014.1"))) {
+    const QStringList groups = text(s + 1).split(QLatin1Char(','));
+    const QStringList types = text(s + 2).split(QLatin1Char(','));
+    const QStringList names = text(s + 3).split(QLatin1Char(','));
+    const QStringList colours = text(s + 4).split(QLatin1Char(','));
+    QStringList units, categories;
+    size_t first = 5;
+    if (holds(0, "4DTesk2.0 v1.0") || holds(0, "RKETesk 2014.1")) {
         if (lines.size() <= s + 6)
             return false;
-        units = lines[s + 5].split(QLatin1Char(','));
-        categories = lines[s + 6].split(QLatin1Char(','));
+        units = text(s + 5).split(QLatin1Char(','));
+        categories = text(s + 6).split(QLatin1Char(','));
         first = s + 7;
     }
     if (groups.size() != names.size() || names.size() != types.size())
         return false;
 
     const int columns = names.size();
-    const int rows = qMax(0, lines.size() - first);
+    const int rows = lines.size() > first ? int(lines.size() - first) : 0;
     QVector<MatrixData*> leaves(columns, nullptr);
+    QVector<UnitManager*> converters(columns, nullptr);
+    QVector<int> unitKeys(columns, -1);
     for (int c = 0; c < columns; ++c) {
-        const QString groupName = groups[c].toString();
-        MatrixData* group = getContainerFromName(groupName);
+        MatrixData* group = getContainerFromName(groups[c]);
         if (!group) {
-            group = new MatrixData(groupName, 0, 1, QVariant::Double, false);
+            group = new MatrixData(groups[c], 0, 1, QVariant::Double, false);
             appendChild(group, false);
         }
-        auto* leaf = new MatrixData(names[c].toString(), rows, 1, systemType(types[c].toString()), true);
+        // The counts only: absent cells read as blanks, so only the fields that hold something
+        // are stored.
+        auto* leaf = new MatrixData(names[c], rows, 1, systemType(types[c]), false);
+        leaf->m_cells.reserve(rows);
         leaf->setRegistry(m_registry);
         if (c < colours.size()) {
-            const QColor colour = colorFromHexaString(colours[c].toString());
+            const QColor colour = colorFromHexaString(colours[c]);
             if (colour.isValid())
                 leaf->setColor(colour);
         }
-        const QString category = c < categories.size() ? categories[c].toString() : QString();
+        const QString category = c < categories.size() ? categories[c] : QString();
         if (!category.isEmpty() && m_registry) {
             leaf->setUnitManager(m_registry->getCategory(category));
             if (leaf->unitManager() && c < units.size())
-                leaf->setNodeUnitKey(leaf->unitManager()->getUnitKey(units[c].toString()));
+                leaf->setNodeUnitKey(leaf->unitManager()->getUnitKey(units[c]));
         }
+        if (leaf->unitManager() && leaf->nodeUnitKey() != -1)
+            converters[c] = leaf->unitManager().get();
+        unitKeys[c] = leaf->nodeUnitKey();
         group->appendChild(leaf, false);
         leaves[c] = leaf;
     }
     if (progress)
         progress->start_progress(true);
-    for (int i = first; i < lines.size(); ++i) {
-        const QVector<QStringRef> fields = lines[i].split(QLatin1Char(','));
-        const int row = i - first;
-        for (int c = 0; c < columns && c < fields.size(); ++c)
-            leaves[c]->insertValueTypeDependend(row, fields[c].toString());
-        if (progress && (row % 4096 == 0) && progress->set_progress(int(qint64(row) * 100 / qMax(1, rows))))
+    for (size_t i = first; i < lines.size(); ++i) {
+        const int row = int(i - first);
+        const char* p = data + lines[i].start;
+        const char* const end = p + lines[i].length;
+        for (int c = 0; c < columns; ++c) {
+            const char* comma = static_cast<const char*>(std::memchr(p, ',', size_t(end - p)));
+            const char* fieldEnd = comma ? comma : end;
+            MatrixData* leaf = leaves[c];
+            if (fieldEnd != p) {
+                double v = 0;
+                const char* a = p;
+                const char* z = fieldEnd;
+                while (a < z && (*a == ' ' || *a == '\t'))
+                    ++a;
+                while (z > a && (z[-1] == ' ' || z[-1] == '\t'))
+                    --z;
+                const std::from_chars_result parsed =
+                    leaf->m_cellType == QVariant::Double && a < z && *a != '+' ? std::from_chars(a, z, v)
+                                                                               : std::from_chars_result{a, std::errc::invalid_argument};
+                if (parsed.ec == std::errc() && parsed.ptr == z) {
+                    if (converters[c])
+                        v = converters[c]->convert(v, unitKeys[c], converters[c]->modelUnit());
+                    leaf->m_cells.insert(row, v);
+                } else {
+                    // Anything but a plain number goes the typed way, with its rules for text.
+                    leaf->insertValueTypeDependend(row, QString::fromUtf8(p, int(fieldEnd - p)));
+                }
+            }
+            if (!comma)
+                break;
+            p = comma + 1;
+        }
+        if (progress && (row % 16384 == 0) && progress->set_progress(int(qint64(row) * 100 / qMax(1, rows))))
             break;
     }
     if (progress)

@@ -2,8 +2,12 @@
 // known independently.
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QJsonArray>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QtTest>
+
+#include <cmath>
 
 namespace {
 
@@ -52,6 +56,7 @@ private slots:
     void listOneCategory();
     void helpAndVersionForms();
     void listAsJson();
+    void tableVerbs();
     void tourRuns();
 };
 
@@ -321,6 +326,36 @@ void TestRkTool::listAsJson()
     QCOMPARE(xy.value(QStringLiteral("category")).toString(), QStringLiteral("xy"));
     QCOMPARE(xy.value(QStringLiteral("display_unit")).toString(), QStringLiteral("foot"));
     QCOMPARE(xy.value(QStringLiteral("units")).toArray().size(), 4);
+}
+
+void TestRkTool::tableVerbs()
+{
+    QTemporaryDir dir;
+    const QString plain = dir.filePath(QStringLiteral("plain.csv"));
+    QFile f(plain);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    f.write("x,dir,name\n1,10,a\n2,350,b\n2,20,c\n3,,d\n7,15,e\n");
+    f.close();
+    const Run stats = rktool({"table", "stats", plain, "--column", "x", "--json"});
+    QCOMPARE(stats.code, 0);
+    const QJsonObject x = QJsonDocument::fromJson(stats.out.toUtf8()).array().at(0).toObject();
+    QCOMPARE(x.value(QStringLiteral("mean")).toDouble(), 3.0);
+    QCOMPARE(x.value(QStringLiteral("count")).toInt(), 5);
+    QVERIFY(std::fabs(x.value(QStringLiteral("standard_deviation")).toDouble() - std::sqrt(22.0 / 5.0)) < 1e-12);
+    // The default histogram counts every value, the maximum too.
+    const Run histogram = rktool({"table", "histogram", plain, "--column", "x", "--json"});
+    int total = 0;
+    for (const QJsonValue& bin : QJsonDocument::fromJson(histogram.out.toUtf8()).object().value("bins").toArray())
+        total += bin.toObject().value(QStringLiteral("value")).toInt();
+    QCOMPARE(total, 5);
+    const QString converted = dir.filePath(QStringLiteral("out.csv"));
+    QCOMPARE(rktool({"table", "convert", plain, converted}).code, 0);
+    const Run info = rktool({"table", "info", converted, "--json"});
+    QCOMPARE(QJsonDocument::fromJson(info.out.toUtf8()).array().at(0).toObject().value("columns").toArray().size(), 3);
+    QCOMPARE(rktool({"table", "stats", dir.filePath("missing.csv")}).code, 1);
+    QCOMPARE(rktool({"table", "histogram", plain, "--column", "name"}).code, 1);
+    QCOMPARE(rktool({"table", "histogram", plain}).code, 2);
+    QCOMPARE(rktool({"table", "convert", plain, plain}).code, 1); // never over its own input
 }
 
 void TestRkTool::tourRuns()
