@@ -54,7 +54,7 @@ void BM_BuildTable(benchmark::State& state)
         state.ResumeTiming();
     }
 }
-BENCHMARK(BM_BuildTable)->Arg(100000)->Arg(200000)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_BuildTable)->Arg(100000)->Arg(200000)->Unit(benchmark::kMillisecond)->Iterations(10);
 
 void BM_BareHash(benchmark::State& state)
 {
@@ -66,7 +66,7 @@ void BM_BareHash(benchmark::State& state)
         state.ResumeTiming();
     }
 }
-BENCHMARK(BM_BareHash)->Arg(100000)->Arg(200000)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_BareHash)->Arg(100000)->Arg(200000)->Unit(benchmark::kMillisecond)->Iterations(10);
 
 size_t heapInUse()
 {
@@ -84,10 +84,10 @@ int main(int argc, char** argv)
     buildBare(200000).clear();
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.printRatios({{"BM_BuildTable/100000/iterations:3", "BM_BareHash/100000/iterations:3"},
-                          {"BM_BuildTable/200000/iterations:3", "BM_BareHash/200000/iterations:3"},
-                          {"BM_BuildTable/200000/iterations:3", "BM_BuildTable/100000/iterations:3"},
-                          {"BM_BareHash/200000/iterations:3", "BM_BareHash/100000/iterations:3"}},
+    reporter.printRatios({{"BM_BuildTable/100000/iterations:10", "BM_BareHash/100000/iterations:10"},
+                          {"BM_BuildTable/200000/iterations:10", "BM_BareHash/200000/iterations:10"},
+                          {"BM_BuildTable/200000/iterations:10", "BM_BuildTable/100000/iterations:10"},
+                          {"BM_BareHash/200000/iterations:10", "BM_BareHash/100000/iterations:10"}},
                          {2.0, 2.0, 2.3, 0.0});
     const int rows = 1000000;
     size_t before = heapInUse();
