@@ -24,6 +24,9 @@
 #include "units/UnitManagers.h"
 #include "units/UnitRegistry.h"
 
+#include "colour/HSVInterpolator.h"
+#include "colour/RKColormap.h"
+
 #include "matrix/AbstractMatrixDataID.h"
 #include "matrix/MatrixData.h"
 #include "matrix/MatrixDataRestore.h"
