@@ -25,6 +25,7 @@
 #include "units/UnitRegistry.h"
 
 #include "colour/HSVInterpolator.h"
+#include "colour/QColormapWidget.h"
 #include "colour/RKColormap.h"
 
 #include "matrix/AbstractMatrixDataID.h"

@@ -8,7 +8,9 @@
 #include <map>
 #include <utility>
 
+class QIODevice;
 class QImage;
+class QSize;
 
 namespace rkBase {
 
@@ -132,6 +134,44 @@ public:
     /// always was.
     static void setColourRange(QImage* image, int size, int r1, int g1, int b1, int r2, int g2, int b2, int r3,
                                int g3, int b3, bool reserveTransparent);
+
+    // --- files ------------------------------------------------------------------------------
+
+    /// Reads a "cpt" file, or a "cmap"/"clm" file, by the suffix (any case); false for another
+    /// suffix or a file that cannot be opened, the map then as it was. With `keepRange` a cpt
+    /// table is stretched over the range the map had.
+    bool load(QString const& path, bool keepRange);
+    /// Reads the cpt lines of `device` (RGB, RGBA, HSV and CMYK lines as this library writes
+    /// and has always read them; GMT's other colour forms are read by loadGmt()).
+    bool load(QIODevice& device, bool keepRange);
+    /// Reads an evenly spaced colour table ("cmap") over the map's present range.
+    bool loadCMapFile(QIODevice& device);
+    /// Writes a "cpt" or "cmap" file by the suffix; false for another suffix ("clm" included) or
+    /// a file that cannot be written.
+    bool save(QString const& path) const;
+    /// Writes the cpt form with alpha.
+    bool save(QIODevice& device) const;
+    /// Writes the cmap form.
+    bool saveCMapFile(QIODevice& device) const;
+    /// Writes the legend picture (horizontal when wider than tall) in the format of the suffix.
+    bool saveImage(QString const& path, QSize const& size) const;
+    /// Writes the legend picture in `format` ("png", ...). False without a QGuiApplication
+    /// (the labels need fonts) or for an empty or absurd size.
+    bool saveImage(QIODevice& device, char const* format, QSize const& size) const;
+
+    /// The extra colours of a GMT table: below the range, above it, and for no data.
+    struct GmtColours {
+        QColor background; ///< "B": below the first break; invalid when the file has none
+        QColor foreground; ///< "F": above the last break; invalid when the file has none
+        QColor noData;     ///< "N": for cells without a value; invalid when the file has none
+    };
+    /// Reads a GMT colour table as GMT does: colours as r/g/b, r g b, h-s-v, c/m/y/k, a grey
+    /// level, X11 colour names (GMT's, so "gray" is 190/190/190) or #rrggbb, HSV and CMYK as
+    /// GMT defines them, and an optional annotation field. False when no interval line was read
+    /// (the map is then empty). `extra` (optional) receives the B/F/N colours.
+    bool loadGmt(QIODevice& device, GmtColours* extra = nullptr);
+    /// The same from a file.
+    bool loadGmt(QString const& path, GmtColours* extra = nullptr);
 
     /// The transparent entry of tables, as rgba.
     static unsigned int transparentEntry();

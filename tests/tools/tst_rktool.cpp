@@ -2,6 +2,7 @@
 // known independently.
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QImage>
 #include <QJsonArray>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -57,6 +58,7 @@ private slots:
     void helpAndVersionForms();
     void listAsJson();
     void tableVerbs();
+    void colormapVerbs();
     void tourRuns();
 };
 
@@ -356,6 +358,35 @@ void TestRkTool::tableVerbs()
     QCOMPARE(rktool({"table", "histogram", plain, "--column", "name"}).code, 1);
     QCOMPARE(rktool({"table", "histogram", plain}).code, 2);
     QCOMPARE(rktool({"table", "convert", plain, plain}).code, 1); // never over its own input
+}
+
+void TestRkTool::colormapVerbs()
+{
+    QTemporaryDir dir;
+    const QString cpt = dir.filePath(QStringLiteral("map.cpt"));
+    QCOMPARE(rktool({"colormap", "spectrum", cpt, "--min", "0", "--max", "10", "--count", "5"}).code, 0);
+    const Run sample = rktool({"colormap", "sample", cpt, "0", "10", "25"});
+    QCOMPARE(sample.code, 0);
+    QCOMPARE(sample.out, QStringLiteral("0 #FF00FFFF\n10 #0000FFFF\n25 #0000FFFF\n"));
+    // The legend: magenta at the left end of the bar, blue at the right, labels below.
+    const QString png = dir.filePath(QStringLiteral("legend.png"));
+    QCOMPARE(rktool({"colormap", "render", cpt, png, "--size", "300x50"}).code, 0);
+    const QImage legend(png);
+    QCOMPARE(legend.size(), QSize(300, 50));
+    const QColor left(legend.pixel(5, 10)), right(legend.pixel(294, 10));
+    QVERIFY2(left.red() == 255 && left.green() == 0 && left.blue() > 230, qPrintable(left.name()));
+    QVERIFY2(right.red() == 0 && right.green() < 40 && right.blue() == 255, qPrintable(right.name()));
+    // A GMT table in its own forms, with its colour above the range.
+    const QString gmt = dir.filePath(QStringLiteral("gmt.cpt"));
+    QFile f(gmt);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    f.write("0 red 1 0/0/255\nF gray\n");
+    f.close();
+    QCOMPARE(rktool({"colormap", "sample", gmt, "2", "--gmt"}).out, QStringLiteral("2 #BEBEBEFF\n"));
+    QCOMPARE(rktool({"colormap", "info", gmt}).code, 1); // the stated reader finds no colours: says so
+    QCOMPARE(rktool({"colormap", "sample", cpt, "nan"}).code, 2);
+    QCOMPARE(rktool({"colormap", "render", cpt, png, "--size", "5"}).code, 2);
+    QCOMPARE(rktool({"colormap", "info", dir.filePath("none.cpt")}).code, 1);
 }
 
 void TestRkTool::tourRuns()

@@ -3,9 +3,10 @@
 
 #include "frame/rkProductInfo.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 
 #include <exception>
+#include <memory>
 
 using namespace rktool;
 
@@ -35,7 +36,14 @@ const Area* findArea(const QString& name)
 
 int main(int argc, char** argv)
 {
-    QCoreApplication app(argc, argv);
+    // Legends are drawn with fonts, which need a GUI application; the areas that draw get one,
+    // offscreen unless told otherwise (a command-line tool has no display), and the others stay
+    // a plain core application that starts fast and says nothing about displays.
+    const bool draws = argc > 1 && QByteArray(argv[1]) == "colormap";
+    if (draws && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    std::unique_ptr<QCoreApplication> application(draws ? new QApplication(argc, argv) : new QCoreApplication(argc, argv));
+    QCoreApplication& app = *application;
     rkBase::rkProductInfo::instance().init("rktool");
     Io io;
 
