@@ -166,7 +166,7 @@ public:
         QColor noData;     ///< "N": for cells without a value; invalid when the file has none
     };
     /// Reads a GMT colour table as GMT does: colours as r/g/b, r g b, h-s-v, c/m/y/k, a grey
-    /// level, X11 colour names (GMT's, so "gray" is 190/190/190) or #rrggbb, HSV and CMYK as
+    /// level, X11 colour names (GMT's, so "gray" is 190/190/190) or `#rrggbb`, HSV and CMYK as
     /// GMT defines them, and an optional annotation field. False when no interval line was read
     /// (the map is then empty). `extra` (optional) receives the B/F/N colours.
     bool loadGmt(QIODevice& device, GmtColours* extra = nullptr);
