@@ -164,6 +164,8 @@ public:
         QColor background; ///< "B": below the first break; invalid when the file has none
         QColor foreground; ///< "F": above the last break; invalid when the file has none
         QColor noData;     ///< "N": for cells without a value; invalid when the file has none
+        bool categorical = false; ///< lines of one value and one colour: keys, not intervals
+        bool hsvModel = false;    ///< the table blends in HSV (GMT's COLOR_MODEL = HSV)
     };
     /// Reads a GMT colour table as GMT does: colours as r/g/b, r g b, h-s-v, c/m/y/k, a grey
     /// level, X11 colour names (GMT's, so "gray" is 190/190/190) or `#rrggbb`, HSV and CMYK as

@@ -405,6 +405,8 @@ bool RKColormap::loadGmt(QIODevice& device, GmtColours* extra)
         QColor c0, c1;
         if (t.size() == 2) { // categorical: one value, one colour
             c0 = c1 = gmtColour(t[1], model);
+            if (extra)
+                extra->categorical = true;
         } else if (t.size() == 4 && !numeric(t[1]) == !numeric(t[3]) && numeric(t[2])) {
             c0 = gmtColour(t[1], model);
             z1 = num(t[2]);
@@ -438,6 +440,8 @@ bool RKColormap::loadGmt(QIODevice& device, GmtColours* extra)
     else
         for (auto& e : *this)
             e.second.first = e.second.second;
+    if (extra)
+        extra->hsvModel = model == QLatin1String("HSV");
     return anyInterval;
 }
 

@@ -55,6 +55,30 @@ RKColormap load(const QString& file, bool gmt, RKColormap::GmtColours* extra = n
     return map;
 }
 
+// The colour GMT gives a value: red, green, blue and alpha each linear between the interval's
+// two colours (GMT blends in the table's model, and the tables read here are RGB ones; the
+// library's own value_to_color blends through hue instead). Outside the table, the end colours.
+QColor gmtSample(const RKColormap& map, double v)
+{
+    if (map.empty())
+        return QColor(0, 0, 0);
+    // A value belongs to the interval that starts at or below it (z0 <= v < z1); the top of
+    // the last interval belongs to that interval.
+    if (v >= map.rbegin()->first)
+        return map.rbegin()->second.first;
+    if (v < map.begin()->first)
+        return map.begin()->second.first;
+    auto upper = map.upper_bound(v);
+    const auto lower = std::prev(upper);
+    const QColor a = lower->second.second;
+    if (map.interpolation() == RKColormap::Blocked)
+        return a;
+    const QColor b = upper->second.first;
+    const double t = (v - lower->first) / (upper->first - lower->first);
+    const auto mix = [t](int x, int y) { return int(std::lround(x + (y - x) * t)); };
+    return QColor(mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue()), mix(a.alpha(), b.alpha()));
+}
+
 void printJson(Io& io, const QJsonValue& v)
 {
     io.out << (v.isArray() ? QJsonDocument(v.toArray()) : QJsonDocument(v.toObject())).toJson(QJsonDocument::Indented);
@@ -75,6 +99,10 @@ int runInfo(Args& args, Io& io)
                                   {QStringLiteral("leaving"), hexa(e.second.second)}});
     if (json) {
         QJsonObject o{{QStringLiteral("mode"), mode}, {QStringLiteral("breaks"), breaks}};
+        if (gmt) {
+            o.insert(QStringLiteral("categorical"), extra.categorical);
+            o.insert(QStringLiteral("hsv_model"), extra.hsvModel);
+        }
         if (gmt)
             for (const auto& [key, colour] : {std::make_pair("background", extra.background),
                                               std::make_pair("foreground", extra.foreground),
@@ -110,7 +138,7 @@ int runSample(Args& args, Io& io)
         const double v = toNumber(text, QStringLiteral("value"));
         if (!std::isfinite(v))
             throw UsageError{QStringLiteral("'%1' is not a finite value").arg(text)};
-        QColor c = map.value_to_color(v);
+        QColor c = gmt ? gmtSample(map, v) : map.value_to_color(v);
         // GMT's own colours outside the table, where the file gives them.
         if (gmt && v < map.min_value() && extra.background.isValid())
             c = extra.background;
@@ -224,7 +252,7 @@ const AreaRegistration registration{
              "       rktool colormap render <file> <out.png> [--size WxH] [--gmt]\n"
              "       rktool colormap spectrum <out.cpt> --min A --max B [--count N] [--reversed]\n\n"
              "info      the breaks with their arriving (and, at a step, leaving) colours, and the mode\n"
-             "sample    the colour of each value as #RRGGBBAA\n"
+             "sample    the colour of each value as #RRGGBBAA (with --gmt blended in RGB, as GMT does)\n"
              "convert   reads by the input's suffix and writes by the output's\n"
              "render    the legend picture (horizontal when wider than tall; 400x60 by default)\n"
              "spectrum  a spectrum of N breaks (8 by default) from magenta to blue (--reversed: blue first)\n\n"
