@@ -73,7 +73,7 @@ def main():
                 rgb = (int(c[1:3], 16), int(c[3:5], 16), int(c[5:7], 16))
                 diff = max(diff, abs(rgb[0] - r), abs(rgb[1] - g), abs(rgb[2] - b))
             worst = max(worst, diff)
-            note = "  (blends in HSV; sampled in RGB here)" if table.get("hsv_model") else ""
+            note = "  (an HSV table)" if table.get("hsv_model") else ""
             print(f"{name:44s} {len(values):6d} {diff:20d}{note}")
     print(f"\nlargest difference over all files: {worst} (target: at most 1)")
 

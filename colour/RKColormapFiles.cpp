@@ -279,12 +279,17 @@ QColor namedColour(QString name)
     return QColor();
 }
 
-QColor hsvColour(double h, double s, double v)
+// In an HSV-model table the colour stays in HSV, hue 360 included (QColor keeps it), so that a
+// blend from 0 to 360 runs round the whole circle as GMT's does; elsewhere it becomes RGB.
+QColor hsvColour(double h, double s, double v, bool keepHsv)
 {
     if (!std::isfinite(h) || !std::isfinite(s) || !std::isfinite(v))
         return QColor();
+    if (keepHsv && h == 360.0)
+        return QColor::fromHsvF(1.0, qBound(0.0, s, 1.0), qBound(0.0, v, 1.0));
     h = std::fmod(std::fmod(h, 360.0) + 360.0, 360.0);
-    return QColor::fromHsvF(h / 360.0, qBound(0.0, s, 1.0), qBound(0.0, v, 1.0)).toRgb();
+    const QColor c = QColor::fromHsvF(h / 360.0, qBound(0.0, s, 1.0), qBound(0.0, v, 1.0));
+    return keepHsv ? c : c.toRgb();
 }
 
 QColor cmykColour(double c, double m, double y, double k)
@@ -316,7 +321,7 @@ QColor gmtColour(QString field, const QString& model)
     } else if (field.contains(QLatin1Char('/'))) {
         const QStringList p = field.split(QLatin1Char('/'));
         if (p.size() == 3)
-            c = model == QLatin1String("HSV") ? hsvColour(num(p[0]), num(p[1]), num(p[2]))
+            c = model == QLatin1String("HSV") ? hsvColour(num(p[0]), num(p[1]), num(p[2]), true)
                                                : QColor(qBound(0, int(std::lround(num(p[0]))), 255),
                                                         qBound(0, int(std::lround(num(p[1]))), 255),
                                                         qBound(0, int(std::lround(num(p[2]))), 255));
@@ -325,7 +330,7 @@ QColor gmtColour(QString field, const QString& model)
     } else if (field.indexOf(QLatin1Char('-'), 1) > 0 && !numeric(field)) {
         const QStringList p = field.split(QLatin1Char('-'));
         if (p.size() == 3)
-            c = hsvColour(num(p[0]), num(p[1]), num(p[2]));
+            c = hsvColour(num(p[0]), num(p[1]), num(p[2]), model == QLatin1String("HSV"));
     } else if (numeric(field)) {
         const int v = qBound(0, int(std::lround(num(field))), 255);
         c = QColor(v, v, v);
@@ -340,7 +345,7 @@ QColor gmtColour(QString field, const QString& model)
 QColor gmtTriple(const QStringList& t, int from, const QString& model)
 {
     if (model == QLatin1String("HSV"))
-        return hsvColour(num(t[from]), num(t[from + 1]), num(t[from + 2]));
+        return hsvColour(num(t[from]), num(t[from + 1]), num(t[from + 2]), true);
     return QColor(qBound(0, int(std::lround(num(t[from]))), 255), qBound(0, int(std::lround(num(t[from + 1]))), 255),
                   qBound(0, int(std::lround(num(t[from + 2]))), 255));
 }
@@ -430,7 +435,8 @@ bool RKColormap::loadGmt(QIODevice& device, GmtColours* extra)
             (*this)[z0] = {c0, c0};
         else
             at->second.second = c0;
-        if (c0 != c1)
+        // QColor counts hue 360 equal to hue 0; a table that runs from one to the other varies.
+        if (c0 != c1 || c0.hsvHue() != c1.hsvHue())
             varies = true;
         if (z1 != z0)
             emplace(z1, std::make_pair(c1, c1));

@@ -170,8 +170,8 @@ private slots:
         bool ok = false;
         const RKColormap m = fromGmt(text, nullptr, &ok);
         QVERIFY(ok);
-        QCOMPARE(m.value_to_color(0), atZero);
-        QCOMPARE(m.value_to_color(1), atTop);
+        QCOMPARE(m.value_to_color(0).rgba(), atZero.rgba());
+        QCOMPARE(m.value_to_color(1).rgba(), atTop.rgba());
     }
 
     void gmtExtrasAndCategories()

@@ -384,6 +384,13 @@ void TestRkTool::colormapVerbs()
     f.close();
     QCOMPARE(rktool({"colormap", "sample", gmt, "2", "--gmt"}).out, QStringLiteral("2 #BEBEBEFF\n"));
     QCOMPARE(rktool({"colormap", "info", gmt}).code, 1); // the stated reader finds no colours: says so
+    // An HSV table from hue 0 to 360 runs round the whole circle: cyan halfway.
+    const QString cyclic = dir.filePath(QStringLiteral("cyclic.cpt"));
+    QFile c(cyclic);
+    QVERIFY(c.open(QIODevice::WriteOnly));
+    c.write("# COLOR_MODEL = hsv\n0 0-1-1 1 360-1-1\n");
+    c.close();
+    QCOMPARE(rktool({"colormap", "sample", cyclic, "0.5", "--gmt"}).out, QStringLiteral("0.5 #00FFFFFF\n"));
     QCOMPARE(rktool({"colormap", "sample", cpt, "nan"}).code, 2);
     QCOMPARE(rktool({"colormap", "render", cpt, png, "--size", "5"}).code, 2);
     QCOMPARE(rktool({"colormap", "info", dir.filePath("none.cpt")}).code, 1);

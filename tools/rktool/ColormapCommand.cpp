@@ -58,23 +58,33 @@ RKColormap load(const QString& file, bool gmt, RKColormap::GmtColours* extra = n
 // The colour GMT gives a value: red, green, blue and alpha each linear between the interval's
 // two colours (GMT blends in the table's model, and the tables read here are RGB ones; the
 // library's own value_to_color blends through hue instead). Outside the table, the end colours.
-QColor gmtSample(const RKColormap& map, double v)
+QColor gmtSample(const RKColormap& map, double v, bool hsv)
 {
     if (map.empty())
         return QColor(0, 0, 0);
     // A value belongs to the interval that starts at or below it (z0 <= v < z1); the top of
     // the last interval belongs to that interval.
     if (v >= map.rbegin()->first)
-        return map.rbegin()->second.first;
+        return map.rbegin()->second.first.toRgb();
     if (v < map.begin()->first)
-        return map.begin()->second.first;
+        return map.begin()->second.first.toRgb();
     auto upper = map.upper_bound(v);
     const auto lower = std::prev(upper);
     const QColor a = lower->second.second;
     if (map.interpolation() == RKColormap::Blocked)
-        return a;
+        return a.toRgb();
     const QColor b = upper->second.first;
     const double t = (v - lower->first) / (upper->first - lower->first);
+    if (hsv) {
+        // An HSV table blends hue, saturation and value each on its own, hue 0 to 360 the long
+        // way if the table says so.
+        const auto mixF = [t](double x, double y) { return x + (y - x) * t; };
+        const auto hue = [](const QColor& c) { return c.hsvHueF() < 0 ? 0.0 : c.hsvHueF(); };
+        const double h = mixF(hue(a), hue(b));
+        QColor c = QColor::fromHsvF(h >= 1.0 ? h - 1.0 : h, mixF(a.hsvSaturationF(), b.hsvSaturationF()),
+                                    mixF(a.valueF(), b.valueF()), mixF(a.alphaF(), b.alphaF()));
+        return c.toRgb();
+    }
     const auto mix = [t](int x, int y) { return int(std::lround(x + (y - x) * t)); };
     return QColor(mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue()), mix(a.alpha(), b.alpha()));
 }
@@ -138,7 +148,7 @@ int runSample(Args& args, Io& io)
         const double v = toNumber(text, QStringLiteral("value"));
         if (!std::isfinite(v))
             throw UsageError{QStringLiteral("'%1' is not a finite value").arg(text)};
-        QColor c = gmt ? gmtSample(map, v) : map.value_to_color(v);
+        QColor c = gmt ? gmtSample(map, v, extra.hsvModel) : map.value_to_color(v);
         // GMT's own colours outside the table, where the file gives them.
         if (gmt && v < map.min_value() && extra.background.isValid())
             c = extra.background;
