@@ -24,6 +24,9 @@
 #include "units/UnitManagers.h"
 #include "units/UnitRegistry.h"
 
+#include "archive/RKUnzip.h"
+#include "archive/RKZip.h"
+
 #include "colour/HSVInterpolator.h"
 #include "colour/QColormapWidget.h"
 #include "colour/RKColormap.h"
