@@ -6,6 +6,7 @@
 #include <QTextCodec>
 
 #include <minizip/unzip.h>
+#include <zlib.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -222,7 +223,12 @@ bool RKUnzip::extractFile(QString const& folder, Callback callback, void* data, 
         return false;
     if (isDirectory || name.isEmpty())
         return true;
-    if (unzOpenCurrentFile(handle(m_unzip)) != UNZ_OK)
+    // The packaged zip library reads the size of an entry of 4 GiB or more written by other
+    // tools as 0xFFFFFFFF, stops there and then fails on the checksum. Such an entry is read raw
+    // and inflated here to the end of its stream, and the checksum is checked here.
+    const bool sizeUnknown = info.uncompressed_size == 0xFFFFFFFFull && info.compression_method == Z_DEFLATED;
+    int method = 0, level = 0;
+    if ((sizeUnknown ? unzOpenCurrentFile2(handle(m_unzip), &method, &level, 1) : unzOpenCurrentFile(handle(m_unzip))) != UNZ_OK)
         return false;
     // No following a link that stands where the file goes (O_NOFOLLOW), and a symbolic-link
     // entry becomes a plain file holding its text.
@@ -235,6 +241,13 @@ bool RKUnzip::extractFile(QString const& folder, Callback callback, void* data, 
     std::vector<char> buffer(kBlock);
     bool ok = true;
     qint64 written = 0;
+    if (sizeUnknown) {
+        ok = inflateToEnd(fd, callback, data, done, total, written, info.crc);
+        ::close(fd);
+        done += written;
+        unzCloseCurrentFile(handle(m_unzip)); // raw reading: the library checks nothing
+        return ok;
+    }
     for (;;) {
         const int n = unzReadCurrentFile(handle(m_unzip), buffer.data(), kBlock);
         if (n < 0) {
@@ -257,6 +270,49 @@ bool RKUnzip::extractFile(QString const& folder, Callback callback, void* data, 
     done += written;
     const int closed = unzCloseCurrentFile(handle(m_unzip));
     return ok && closed == UNZ_OK;
+}
+
+bool RKUnzip::inflateToEnd(int fd, Callback callback, void* data, qint64 done, qint64 total, qint64& written,
+                           unsigned long expectedCrc)
+{
+    z_stream stream{};
+    if (inflateInit2(&stream, -MAX_WBITS) != Z_OK)
+        return false;
+    std::vector<unsigned char> in(kBlock), out(kBlock);
+    uLong crc = crc32(0L, Z_NULL, 0);
+    bool ok = true, ended = false;
+    while (ok && !ended) {
+        const int n = unzReadCurrentFile(handle(m_unzip), in.data(), kBlock);
+        if (n < 0) {
+            ok = false;
+            break;
+        }
+        if (n == 0)
+            break; // the compressed bytes ran out before the stream's end: damaged
+        stream.next_in = in.data();
+        stream.avail_in = uInt(n);
+        while (stream.avail_in > 0 && ok && !ended) {
+            stream.next_out = out.data();
+            stream.avail_out = uInt(out.size());
+            const int r = inflate(&stream, Z_NO_FLUSH);
+            if (r != Z_OK && r != Z_STREAM_END) {
+                ok = false;
+                break;
+            }
+            const size_t produced = out.size() - stream.avail_out;
+            if (produced && ::write(fd, out.data(), produced) != ssize_t(produced)) {
+                ok = false;
+                break;
+            }
+            crc = crc32(crc, out.data(), uInt(produced));
+            written += qint64(produced);
+            ended = r == Z_STREAM_END;
+        }
+        if (ok && callback && !callback(data, int(float((done + written) * 100.0 / double(total)))))
+            ok = false;
+    }
+    inflateEnd(&stream);
+    return ok && ended && crc == expectedCrc;
 }
 
 } // namespace rkBase

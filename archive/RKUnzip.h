@@ -52,6 +52,9 @@ protected:
     bool path(QString const& target, bool isDirectory);
 
 private:
+    bool inflateToEnd(int fd, Callback callback, void* data, qint64 done, qint64 total, qint64& written,
+                      unsigned long expectedCrc);
+
     void* m_unzip = nullptr;
     bool m_empty = false; // an archive of no entries, which the zip library refuses to open
 };
