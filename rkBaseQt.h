@@ -40,3 +40,5 @@
 #include "metadata/Tiff.h"
 #include "metadata/TiffHeader.h"
 #include "metadata/Xmp.h"
+#include "coordinates/RKCoordinateSystem.h"
+#include "frame/GDALErrorHandler.h"
