@@ -33,23 +33,44 @@ QMap<QPair<QString, QString>, OGRSpatialReference> RKCoordinateSystem::m_state_p
 namespace {
 const char* const undefinedText = "Undefined";
 
-// GDAL failures arrive as GDALException thrown from inside the call (see GDALErrorHandler);
-// everything in this class reports failure as a value instead, so each GDAL call that can fail
-// goes through here. PROJ catches exceptions in some of its own frames (creating an operation
-// from parameters it rejects), so a thrown failure can be swallowed there and the call returns
-// as if it had worked. The error state GDAL sets before calling the handler is therefore
-// checked after the call as well.
+// GDALErrorHandler throws a GDALException out of its callback for every failure. That is sound
+// through GDAL's own frames, but PROJ's pipeline construction is C code that allocates as it
+// goes and frees on its error path: an exception crossing it leaks (seen under ASan with
+// PROJ 9.1), and PROJ's C++ layers catch and swallow it in places. So this class puts a
+// handler of its own on the thread's stack for each call: warnings still reach
+// GDALErrorHandler's list, failures are only recorded, and the recorded state (which GDAL sets
+// before calling any handler) is read after the call. No exception leaves this file.
+void CPL_STDCALL recordingHandler(CPLErr type, CPLErrorNum, const char* message)
+{
+    if (type == CE_Warning)
+        GDALErrorHandler::instance().addError(QString::fromUtf8(message ? message : ""), type);
+}
+
+struct RecordingScope {
+    RecordingScope()
+    {
+        CPLPushErrorHandler(recordingHandler);
+        CPLErrorReset();
+    }
+    ~RecordingScope()
+    {
+        CPLErrorReset();
+        CPLPopErrorHandler();
+    }
+    RecordingScope(const RecordingScope&) = delete;
+    RecordingScope& operator=(const RecordingScope&) = delete;
+};
+
 bool failureRecorded() { return CPLGetLastErrorType() == CE_Failure || CPLGetLastErrorType() == CE_Fatal; }
 
 template <class F, class R> R guarded(F&& call, R failure)
 {
-    CPLErrorReset();
+    RecordingScope scope;
     try {
         R result = call();
         return failureRecorded() ? failure : result;
     } catch (const GDALException&) {
-        CPLErrorReset();
-        return failure;
+        return failure; // a handler pushed inside the call threw; nothing to add
     }
 }
 
@@ -1053,19 +1074,18 @@ OGRCoordinateTransformation* RKCoordinateSystem::createCoordinateTransfThreadSaf
     OGRCoordinateTransformation* created = nullptr;
     {
         QMutexLocker lock(&m_mutex);
-        CPLErrorReset();
+        RecordingScope scope;
         try {
             created = OGRCreateCoordinateTransformation(source, target);
         } catch (const GDALException&) {
             created = nullptr;
         }
-        // A failure PROJ swallowed still leaves its mark (see guarded()); such a
-        // transformation cannot run, so it is not handed out.
+        // GDAL hands out a transformation even when PROJ reported a failure while building
+        // it; such a transformation cannot run, so it is not handed out.
         if (created && failureRecorded()) {
             OGRCoordinateTransformation::DestroyCT(created);
             created = nullptr;
         }
-        CPLErrorReset();
     }
     return created;
 }
