@@ -1227,7 +1227,14 @@ std::pair<double, double> RKCoordinateSystem::PointToLatLongTransform::transform
 {
     if (!m_transform)
         return {0.0, 0.0};
-    runTransform(m_transform, x, y);
+    // The fast path for many points: no handler of our own is pushed here. PROJ has already
+    // built the pipeline; a point it cannot convert is reported by GDAL's code after PROJ
+    // returns, so the exception of GDALErrorHandler crosses GDAL's frames only, which is sound.
+    try {
+        m_transform->Transform(1, &x, &y, nullptr);
+    } catch (const GDALException&) {
+        // The values as they stand, as for any failed point.
+    }
     return {y, x};
 }
 
