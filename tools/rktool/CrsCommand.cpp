@@ -9,6 +9,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <gdal.h>
 #include <ogr_spatialref.h>
 
 #include <cmath>
@@ -66,6 +67,25 @@ RKCoordinateSystem parseSystem(const QString& given)
             esri.morphFromESRI();
             if (esri.coord_system_type() != RKCoordinateSystem::Undefined)
                 return esri;
+        }
+        // A raster file: the coordinate system of its georeferencing.
+        if (info.isFile()) {
+            std::string raster;
+            try {
+                GDALDatasetH ds = GDALOpen(QFile::encodeName(text).constData(), GA_ReadOnly);
+                if (ds) {
+                    const char* wkt = GDALGetProjectionRef(ds);
+                    raster = wkt ? wkt : "";
+                    GDALClose(ds);
+                }
+            } catch (const GDALException&) {
+                raster.clear();
+            }
+            if (raster.empty())
+                throw Failure{QStringLiteral("%1 holds no coordinate system").arg(text)};
+            RKCoordinateSystem fromRaster(raster);
+            if (fromRaster.coord_system_type() != RKCoordinateSystem::Undefined)
+                return fromRaster;
         }
         throw Failure{QStringLiteral("not a coordinate system: %1").arg(given.left(80))};
     }
@@ -399,7 +419,8 @@ const AreaRegistration registration{Area{
     60, QStringLiteral("crs"), QStringLiteral("coordinate systems, projections and transformations"),
     QStringLiteral(
         "Usage: rktool crs <verb> ...\n\n"
-        "A SYSTEM is EPSG:n, WKT, a PROJ string (+proj=...) or a .prj file (OGC or ESRI WKT).\n"
+        "A SYSTEM is EPSG:n, WKT, a PROJ string (+proj=...), a .prj file (OGC or ESRI WKT) or a\n"
+        "georeferenced raster file (its coordinate system).\n"
         "Text that is none of these is refused, never guessed.\n\n"
         "  info [--json] [--esri] SYSTEM       kind, summary, ellipsoid, projection and its parameters\n"
         "                                      (angles in degrees, lengths in metres), UTM zone;\n"
