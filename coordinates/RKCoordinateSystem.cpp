@@ -1213,6 +1213,10 @@ RKCoordinateSystem::PointToLatLongTransform::PointToLatLongTransform(RKCoordinat
         return;
     m_geographic = geographicTarget(system.reference(), well_known_name).release();
     m_transform = createCoordinateTransfThreadSafely(system.reference(), m_geographic);
+    // A point that cannot be converted is answered by the return value alone: an exception out
+    // of GDALErrorHandler would skip GDAL's own cleanup inside Transform and leak its buffer.
+    if (m_transform)
+        m_transform->SetEmitErrors(false);
 }
 
 RKCoordinateSystem::PointToLatLongTransform::~PointToLatLongTransform()
@@ -1227,9 +1231,8 @@ std::pair<double, double> RKCoordinateSystem::PointToLatLongTransform::transform
 {
     if (!m_transform)
         return {0.0, 0.0};
-    // The fast path for many points: no handler of our own is pushed here. PROJ has already
-    // built the pipeline; a point it cannot convert is reported by GDAL's code after PROJ
-    // returns, so the exception of GDALErrorHandler crosses GDAL's frames only, which is sound.
+    // The fast path for many points: no handler of our own is pushed here, as the
+    // transformation was told at construction not to report failed points.
     try {
         m_transform->Transform(1, &x, &y, nullptr);
     } catch (const GDALException&) {

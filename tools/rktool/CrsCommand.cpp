@@ -208,6 +208,8 @@ int runTransform(Args& args, Io& io)
     std::unique_ptr<OGRCoordinateTransformation, TransformDeleter> t(source.create_transform(target));
     if (!t)
         throw Failure{QStringLiteral("no transformation from %1 to %2").arg(from.left(60), to.left(60))};
+    // Failed points are told by the return value; no GDAL error is raised for them.
+    t->SetEmitErrors(false);
     QJsonArray all;
     for (int i = 0; i < points.size(); ++i) {
         double x = points[i].first, y = points[i].second;
