@@ -118,8 +118,7 @@ int main(int argc, char** argv)
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     // The cached kind must be at least 100 times faster than the first call: ratio <= 0.01.
-    reporter.printRatios({{"BM_PointToLatLong", "BM_GdalTransformArray"},
-                                           {"BM_KindCached", "BM_KindFirstCall"}},
-                                          {1.5, 0.01});
+    reporter.printRatios({{"BM_PointToLatLong", "BM_GdalTransformArray"}, {"BM_KindCached", "BM_KindFirstCall"}},
+                         {1.5, 0.01});
     return 0;
 }

@@ -122,9 +122,13 @@ OGRErr importEpsg(OGRSpatialReference& ref, int code)
 
 // ---- the catalogue's data ----------------------------------------------------------------------
 
-enum Kind { Len = CoordinateSystemParameter::LengthParameter, Bool = CoordinateSystemParameter::BooleanParameter,
-            Int = CoordinateSystemParameter::IntegerParameter, Ang = CoordinateSystemParameter::AngleParameter,
-            Frac = CoordinateSystemParameter::FractionParameter };
+enum Kind {
+    Len = CoordinateSystemParameter::LengthParameter,
+    Bool = CoordinateSystemParameter::BooleanParameter,
+    Int = CoordinateSystemParameter::IntegerParameter,
+    Ang = CoordinateSystemParameter::AngleParameter,
+    Frac = CoordinateSystemParameter::FractionParameter
+};
 
 struct ParamRow {
     const char* label;
@@ -133,18 +137,30 @@ struct ParamRow {
 };
 
 const ParamRow paramRows[] = {
-    {"First Standard Parallel", Ang, 90, -90, 10},  {"Second Standard Parallel", Ang, 90, -90, 5},
-    {"Northern Standard Parallel", Ang, 90, -90, 20}, {"Southern Standard Parallel", Ang, 90, -90, 10},
-    {"Centre Latitude", Ang, 90, -90, 0},           {"Latitude of Origin", Ang, 90, -90, 0},
-    {"Latitude of Grid Origin", Ang, 90, -90, 0},   {"Centre Lat", Ang, 90, -90, 0},
-    {"Standard Parallel", Ang, 90, -90, 0},         {"Standard Parallel 1", Ang, 90, -90, 0},
-    {"Standard Parallel 2", Ang, 90, -90, 0},       {"Pseudo Std Parallel", Ang, 90, -90, 0},
-    {"Pseudo Std Parallel Lat", Ang, 90, -90, 0},   {"Centre Longitude", Ang, 180, -180, 0},
-    {"Central Meridian", Ang, 180, -180, 0},        {"Azimuth", Ang, 180, -180, 0},
-    {"Rectified Grid Angle", Ang, 180, -180, 0},    {"Centre Meridian", Ang, 180, -180, 0},
-    {"Scale Factor", Frac, 100, -100, 1},           {"False Easting", Len, 100000000, -100000000, 50000},
-    {"False Northing", Len, 100000000, -100000000, 20000}, {"Satellite Height", Len, 180000000, 0, 0},
-    {"Zone", Int, 60, 0, 30},                       {"Variation", Int, 6, 1, 1},
+    {"First Standard Parallel", Ang, 90, -90, 10},
+    {"Second Standard Parallel", Ang, 90, -90, 5},
+    {"Northern Standard Parallel", Ang, 90, -90, 20},
+    {"Southern Standard Parallel", Ang, 90, -90, 10},
+    {"Centre Latitude", Ang, 90, -90, 0},
+    {"Latitude of Origin", Ang, 90, -90, 0},
+    {"Latitude of Grid Origin", Ang, 90, -90, 0},
+    {"Centre Lat", Ang, 90, -90, 0},
+    {"Standard Parallel", Ang, 90, -90, 0},
+    {"Standard Parallel 1", Ang, 90, -90, 0},
+    {"Standard Parallel 2", Ang, 90, -90, 0},
+    {"Pseudo Std Parallel", Ang, 90, -90, 0},
+    {"Pseudo Std Parallel Lat", Ang, 90, -90, 0},
+    {"Centre Longitude", Ang, 180, -180, 0},
+    {"Central Meridian", Ang, 180, -180, 0},
+    {"Azimuth", Ang, 180, -180, 0},
+    {"Rectified Grid Angle", Ang, 180, -180, 0},
+    {"Centre Meridian", Ang, 180, -180, 0},
+    {"Scale Factor", Frac, 100, -100, 1},
+    {"False Easting", Len, 100000000, -100000000, 50000},
+    {"False Northing", Len, 100000000, -100000000, 20000},
+    {"Satellite Height", Len, 180000000, 0, 0},
+    {"Zone", Int, 60, 0, 30},
+    {"Variation", Int, 6, 1, 1},
 };
 
 CoordinateSystemParameter parameter(const char* label)
@@ -190,10 +206,12 @@ struct CatalogueRow {
     std::initializer_list<const char*> labels;
 };
 const CatalogueRow catalogueRows[] = {
-    {"Albers Conic Equal Area", {"First Standard Parallel", "Second Standard Parallel", "Centre Latitude", "Centre Longitude"}},
+    {"Albers Conic Equal Area",
+     {"First Standard Parallel", "Second Standard Parallel", "Centre Latitude", "Centre Longitude"}},
     {"Azimuthal Equidistant", {"Centre Latitude", "Centre Longitude"}},
     {"Mercator", {"Latitude of Origin", "Centre Longitude", "Scale Factor"}},
-    {"Lambert Conformal Conic", {"Northern Standard Parallel", "Southern Standard Parallel", "Latitude of Grid Origin", "Central Meridian"}},
+    {"Lambert Conformal Conic",
+     {"Northern Standard Parallel", "Southern Standard Parallel", "Latitude of Grid Origin", "Central Meridian"}},
     {"Bonne", {"Standard Parallel", "Central Meridian"}},
     {"Cylindrical Equal Area", {"Standard Parallel", "Central Meridian"}},
     {"Cassini-Soldner", {"Centre Lat", "Centre Longitude"}},
@@ -204,8 +222,10 @@ const CatalogueRow catalogueRows[] = {
     {"Goode Homolosine", {"Centre Meridian"}},
     {"Gall Stereograpic", {"Centre Meridian"}},
     {"Gauss Schreiber Transverse Mercator", {"Centre Latitude", "Centre Longitude", "Scale Factor"}},
-    {"Hotine Oblique Mercator", {"Centre Latitude", "Centre Longitude", "Azimuth", "Rectified Grid Angle", "Scale Factor"}},
-    {"Hotine Oblique Mercator Azimuth Center", {"Centre Latitude", "Centre Longitude", "Azimuth", "Rectified Grid Angle", "Scale Factor"}},
+    {"Hotine Oblique Mercator",
+     {"Centre Latitude", "Centre Longitude", "Azimuth", "Rectified Grid Angle", "Scale Factor"}},
+    {"Hotine Oblique Mercator Azimuth Center",
+     {"Centre Latitude", "Centre Longitude", "Azimuth", "Rectified Grid Angle", "Scale Factor"}},
     {"Krovak", {"Centre Latitude", "Centre Longitude", "Azimuth", "Pseudo Std Parallel Lat", "Scale Factor"}},
     {"Lambert Azimuthal Equal-Area", {"Centre Latitude", "Centre Longitude"}},
     {"Lambert Conformal Conic 1SP", {"Latitude of Origin", "Centre Longitude", "Scale Factor"}},
@@ -229,38 +249,91 @@ const CatalogueRow catalogueRows[] = {
 
 // Display names by ProjectionType value; values without one read "Other".
 const std::pair<int, const char*> displayNames[] = {
-    {1, "UTM"}, {2, "Albers Conic Equal Area"}, {3, "Azimuthal Equidistant"}, {4, "Bonne"},
-    {5, "Cylindrical Equal Area"}, {6, "Cassini-Soldner"}, {7, "Equidistant Conic"}, {8, "Eckert I-VI"},
-    {9, "Equirectangular"}, {10, "Equirectangular generalized"}, {11, "Geostationary Satellite"},
-    {12, "Goode Homolosine"}, {13, "Gall Stereograpic"}, {14, "Gauss Schreiber Transverse Mercator"},
-    {16, "Hotine Oblique Mercator"}, {17, "Hotine Oblique Mercator"}, {20, "Krovak"},
-    {21, "Lambert Azimuthal Equal-Area"}, {22, "Lambert Conformal Conic"}, {23, "Lambert Conformal Conic 1SP"},
-    {24, "Lambert Conformal Conic (Belgium)"}, {25, "Miller Cylindrical"}, {26, "Mercator"}, {27, "Mollweide"},
-    {28, "New Zealand Map Grid"}, {29, "Oblique Stereographic"}, {30, "Orthographic"}, {31, "Polyconic"},
-    {32, "Polar Stereographic"}, {33, "Robinson"}, {34, "Sinusoidal"}, {35, "Stereographic"},
-    {36, "Swiss Oblique Cylindrical"}, {37, "Transverse Mercator"}, {39, "Tunisia Mining Grid"},
-    {40, "Transverse Mercator (South Oriented)"}, {41, "Two Point Equidistant"}, {42, "VanDerGrinten"},
+    {1, "UTM"},
+    {2, "Albers Conic Equal Area"},
+    {3, "Azimuthal Equidistant"},
+    {4, "Bonne"},
+    {5, "Cylindrical Equal Area"},
+    {6, "Cassini-Soldner"},
+    {7, "Equidistant Conic"},
+    {8, "Eckert I-VI"},
+    {9, "Equirectangular"},
+    {10, "Equirectangular generalized"},
+    {11, "Geostationary Satellite"},
+    {12, "Goode Homolosine"},
+    {13, "Gall Stereograpic"},
+    {14, "Gauss Schreiber Transverse Mercator"},
+    {16, "Hotine Oblique Mercator"},
+    {17, "Hotine Oblique Mercator"},
+    {20, "Krovak"},
+    {21, "Lambert Azimuthal Equal-Area"},
+    {22, "Lambert Conformal Conic"},
+    {23, "Lambert Conformal Conic 1SP"},
+    {24, "Lambert Conformal Conic (Belgium)"},
+    {25, "Miller Cylindrical"},
+    {26, "Mercator"},
+    {27, "Mollweide"},
+    {28, "New Zealand Map Grid"},
+    {29, "Oblique Stereographic"},
+    {30, "Orthographic"},
+    {31, "Polyconic"},
+    {32, "Polar Stereographic"},
+    {33, "Robinson"},
+    {34, "Sinusoidal"},
+    {35, "Stereographic"},
+    {36, "Swiss Oblique Cylindrical"},
+    {37, "Transverse Mercator"},
+    {39, "Tunisia Mining Grid"},
+    {40, "Transverse Mercator (South Oriented)"},
+    {41, "Two Point Equidistant"},
+    {42, "VanDerGrinten"},
 };
 
 // PROJECTION attribute to class; Transverse Mercator, Equirectangular and the families are
 // decided in projection_type() because they need more than the name.
 const std::pair<const char*, int> projectionAttributes[] = {
-    {"Albers_Conic_Equal_Area", 2}, {"Azimuthal_Equidistant", 3}, {"Bonne", 4}, {"Cylindrical_Equal_Area", 5},
-    {"Cassini_Soldner", 6}, {"Equidistant_Conic", 7}, {"Geostationary_Satellite", 11}, {"Goode_Homolosine", 12},
-    {"Gall_Stereographic", 13}, {"Gauss_Schreiber_Transverse_Mercator", 14}, {"Gnomonic", 15},
-    {"Hotine_Oblique_Mercator_Azimuth_Center", 16}, {"Hotine_Oblique_Mercator", 17},
-    {"Hotine_Oblique_Mercator_Two_Point_Natural_Origin", 18}, {"International_Map_of_the_World_Polyconic", 19},
-    {"Krovak", 20}, {"Lambert_Azimuthal_Equal_Area", 21}, {"Lambert_Conformal_Conic_2SP", 22},
-    {"Lambert_Conformal_Conic_1SP", 23}, {"Lambert_Conformal_Conic_2SP_Belgium", 24}, {"Miller_Cylindrical", 25},
-    {"Mercator_1SP", 26}, {"Mollweide", 27}, {"New_Zealand_Map_Grid", 28}, {"Oblique_Stereographic", 29},
-    {"Orthographic", 30}, {"Polyconic", 31}, {"Polar_Stereographic", 32}, {"Robinson", 33}, {"Sinusoidal", 34},
-    {"Stereographic", 35}, {"Swiss_Oblique_Cylindrical", 36}, {"Tunisia_Mining_Grid", 39},
-    {"Transverse_Mercator_South_Orientated", 40}, {"Two_Point_Equidistant", 41}, {"VanDerGrinten", 42},
+    {"Albers_Conic_Equal_Area", 2},
+    {"Azimuthal_Equidistant", 3},
+    {"Bonne", 4},
+    {"Cylindrical_Equal_Area", 5},
+    {"Cassini_Soldner", 6},
+    {"Equidistant_Conic", 7},
+    {"Geostationary_Satellite", 11},
+    {"Goode_Homolosine", 12},
+    {"Gall_Stereographic", 13},
+    {"Gauss_Schreiber_Transverse_Mercator", 14},
+    {"Gnomonic", 15},
+    {"Hotine_Oblique_Mercator_Azimuth_Center", 16},
+    {"Hotine_Oblique_Mercator", 17},
+    {"Hotine_Oblique_Mercator_Two_Point_Natural_Origin", 18},
+    {"International_Map_of_the_World_Polyconic", 19},
+    {"Krovak", 20},
+    {"Lambert_Azimuthal_Equal_Area", 21},
+    {"Lambert_Conformal_Conic_2SP", 22},
+    {"Lambert_Conformal_Conic_1SP", 23},
+    {"Lambert_Conformal_Conic_2SP_Belgium", 24},
+    {"Miller_Cylindrical", 25},
+    {"Mercator_1SP", 26},
+    {"Mollweide", 27},
+    {"New_Zealand_Map_Grid", 28},
+    {"Oblique_Stereographic", 29},
+    {"Orthographic", 30},
+    {"Polyconic", 31},
+    {"Polar_Stereographic", 32},
+    {"Robinson", 33},
+    {"Sinusoidal", 34},
+    {"Stereographic", 35},
+    {"Swiss_Oblique_Cylindrical", 36},
+    {"Tunisia_Mining_Grid", 39},
+    {"Transverse_Mercator_South_Orientated", 40},
+    {"Two_Point_Equidistant", 41},
+    {"VanDerGrinten", 42},
     {"?", 44},
 };
 
 const char* const eckertNames[] = {"Eckert_I", "Eckert_II", "Eckert_III", "Eckert_IV", "Eckert_V", "Eckert_VI"};
-const char* const wagnerNames[] = {"Wagner_I", "Wagner_II", "Wagner_III", "Wagner_IV", "Wagner_V", "Wagner_VI", "Wagner_VII"};
+const char* const wagnerNames[] = {"Wagner_I", "Wagner_II", "Wagner_III", "Wagner_IV",
+                                   "Wagner_V", "Wagner_VI", "Wagner_VII"};
 
 template <size_t N> int variationOf(const std::string& attribute, const char* const (&names)[N])
 {
@@ -288,9 +361,12 @@ const ValueRow valueRows[] = {
     {{12, 13, 27, 33, 34, 42}, {"a:central_meridian"}},
     {{14, 23, 26, 29, 32, 35, 37}, {"a:latitude_of_origin", "a:central_meridian", "s:scale_factor"}},
     {{16, 17}, {"a:latitude_of_center", "a:central_meridian", "a:azimuth", "a:rectified_grid_angle", "s:scale_factor"}},
-    {{18}, {"a:latitude_of_center", "a:latitude_of_point_1", "a:longitude_of_point_1", "a:latitude_of_point_2", "a:longitude_of_point_2", "s:scale_factor"}},
+    {{18},
+     {"a:latitude_of_center", "a:latitude_of_point_1", "a:longitude_of_point_1", "a:latitude_of_point_2",
+      "a:longitude_of_point_2", "s:scale_factor"}},
     {{19}, {"a:latitude_of_point_1", "a:latitude_of_point_2", "a:central_meridian"}},
-    {{20}, {"a:latitude_of_center", "a:central_meridian", "a:azimuth", "a:pseudo_standard_parallel_1", "s:scale_factor"}},
+    {{20},
+     {"a:latitude_of_center", "a:central_meridian", "a:azimuth", "a:pseudo_standard_parallel_1", "s:scale_factor"}},
     {{22, 24}, {"a:standard_parallel_1", "a:standard_parallel_2", "a:latitude_of_origin", "a:central_meridian"}},
     {{40}, {"a:latitude_of_center", "a:central_meridian", "s:scale_factor"}},
     {{43}, {"a:latitude_of_center"}},
@@ -303,53 +379,139 @@ struct PlaneRow {
     int code;
 };
 const PlaneRow nad83Rows[] = {
-    {"ALABAMA", "EAST", 101}, {"ALABAMA", "WEST", 102}, {"ARIZONA", "EAST", 201}, {"ARIZONA", "CENTRAL", 202},
-    {"ARIZONA", "WEST", 203}, {"ARKANSAS", "NORTH", 301}, {"ARKANSAS", "SOUTH", 302}, {"CALIFORNIA", "I", 401},
-    {"CALIFORNIA", "II", 402}, {"CALIFORNIA", "III", 403}, {"CALIFORNIA", "IV", 404}, {"CALIFORNIA", "V", 405},
-    {"CALIFORNIA", "VI", 406}, {"COLORADO", "NORTH", 501}, {"COLORADO", "CENTRAL", 502}, {"COLORADO", "SOUTH", 503},
-    {"CONNECTICUT", "", 600}, {"DELAWARE", "", 700}, {"FLORIDA", "EAST", 901}, {"FLORIDA", "WEST", 902},
-    {"FLORIDA", "NORTH", 903}, {"GEORGIA", "EAST", 1001}, {"GEORGIA", "WEST", 1002}, {"IDAHO", "EAST", 1101},
-    {"IDAHO", "CENTRAL", 1102}, {"IDAHO", "WEST", 1103}, {"ILLINOIS", "EAST", 1201}, {"ILLINOIS", "WEST", 1202},
-    {"INDIANA", "EAST", 1301}, {"INDIANA", "WEST", 1302}, {"IOWA", "NORTH", 1401}, {"IOWA", "SOUTH", 1402},
-    {"KANSAS", "NORTH", 1501}, {"KANSAS", "SOUTH", 1502}, {"KENTUCKY", "NORTH", 1601}, {"KENTUCKY", "SOUTH", 1602},
-    {"LOUISIANA", "NORTH", 1701}, {"LOUISIANA", "SOUTH", 1702}, {"MAINE", "EAST", 1801}, {"MAINE", "WEST", 1802},
-    {"MARYLAND", "", 1900}, {"MASSACHUSETTS", "MAINLAND", 2001}, {"MASSACHUSETTS", "ISLAND", 2002},
-    {"MICHIGAN", "NORTH", 2111}, {"MICHIGAN", "CENTRAL", 2112}, {"MICHIGAN", "SOUTH", 2113},
-    {"MINNESOTA", "NORTH", 2201}, {"MINNESOTA", "CENTRAL", 2202}, {"MINNESOTA", "SOUTH", 2203},
-    {"MISSISSIPPI", "EAST", 2301}, {"MISSISSIPPI", "WEST", 2302}, {"MISSOURI", "EAST", 2401},
-    {"MISSOURI", "CENTRAL", 2402}, {"MISSOURI", "WEST", 2403}, {"MONTANA", "", 2500}, {"NEBRASKA", "", 2600},
-    {"NEVADA", "EAST", 2701}, {"NEVADA", "CENTRAL", 2702}, {"NEVADA", "WEST", 2703}, {"NEW HAMPSHIRE", "", 2800},
-    {"NEW JERSEY", "", 2900}, {"NEW MEXICO", "EAST", 3001}, {"NEW MEXICO", "CENTRAL", 3002},
-    {"NEW MEXICO", "WEST", 3003}, {"NEW YORK", "EAST", 3101}, {"NEW YORK", "CENTRAL", 3102},
-    {"NEW YORK", "WEST", 3103}, {"NEW YORK", "LONG ISLAND", 3104}, {"NORTH CAROLINA", "", 3200},
-    {"NORTH DAKOTA", "NORTH", 3301}, {"NORTH DAKOTA", "SOUTH", 3302}, {"OHIO", "NORTH", 3401}, {"OHIO", "SOUTH", 3402},
-    {"OKLAHOMA", "NORTH", 3501}, {"OKLAHOMA", "SOUTH", 3502}, {"OREGON", "NORTH", 3601}, {"OREGON", "SOUTH", 3602},
-    {"PENNSYLVANIA", "NORTH", 3701}, {"PENNSYLVANIA", "SOUTH", 3702}, {"RHODE ISLAND", "", 3800},
-    {"SOUTH CAROLINA", "", 3900}, {"SOUTH DAKOTA", "NORTH", 4001}, {"SOUTH DAKOTA", "SOUTH", 4002},
-    {"TENNESSEE", "", 4100}, {"TEXAS", "NORTH", 4201}, {"TEXAS", "NORTH CENTRAL", 4202}, {"TEXAS", "CENTRAL", 4203},
-    {"TEXAS", "SOUTH CENTRAL", 4204}, {"TEXAS", "SOUTH", 4205}, {"UTAH", "NORTH", 4301}, {"UTAH", "CENTRAL", 4302},
-    {"UTAH", "SOUTH", 4303}, {"VERMONT", "", 4400}, {"VIRGINIA", "NORTH", 4501}, {"VIRGINIA", "SOUTH", 4502},
-    {"WASHINGTON", "NORTH", 4601}, {"WASHINGTON", "SOUTH", 4602}, {"WEST VIRGINIA", "NORTH", 4701},
-    {"WEST VIRGINIA", "SOUTH", 4702}, {"WISCONSIN", "NORTH", 4801}, {"WISCONSIN", "CENTRAL", 4802},
-    {"WISCONSIN", "SOUTH", 4803}, {"WYOMING", "EAST", 4901}, {"WYOMING", "EAST CENTRAL", 4902},
-    {"WYOMING", "WEST CENTRAL", 4903}, {"WYOMING", "WEST", 4904}, {"ALASKA", "ZONE NO. 1", 5001},
-    {"ALASKA", "ZONE NO. 2", 5002}, {"ALASKA", "ZONE NO. 3", 5003}, {"ALASKA", "ZONE NO. 4", 5004},
-    {"ALASKA", "ZONE NO. 5", 5005}, {"ALASKA", "ZONE NO. 6", 5006}, {"ALASKA", "ZONE NO. 7", 5007},
-    {"ALASKA", "ZONE NO. 8", 5008}, {"ALASKA", "ZONE NO. 9", 5009}, {"ALASKA", "ZONE NO. 10", 5010},
-    {"HAWAII", "1", 5101}, {"HAWAII", "2345", 5102}, {"HAWAII", "3", 5103}, {"HAWAII", "4", 5104},
-    {"HAWAII", "5", 5105}, {"PUERTO RICO AND VIRGIN ISLANDS", "", 5200},
+    {"ALABAMA", "EAST", 101},
+    {"ALABAMA", "WEST", 102},
+    {"ARIZONA", "EAST", 201},
+    {"ARIZONA", "CENTRAL", 202},
+    {"ARIZONA", "WEST", 203},
+    {"ARKANSAS", "NORTH", 301},
+    {"ARKANSAS", "SOUTH", 302},
+    {"CALIFORNIA", "I", 401},
+    {"CALIFORNIA", "II", 402},
+    {"CALIFORNIA", "III", 403},
+    {"CALIFORNIA", "IV", 404},
+    {"CALIFORNIA", "V", 405},
+    {"CALIFORNIA", "VI", 406},
+    {"COLORADO", "NORTH", 501},
+    {"COLORADO", "CENTRAL", 502},
+    {"COLORADO", "SOUTH", 503},
+    {"CONNECTICUT", "", 600},
+    {"DELAWARE", "", 700},
+    {"FLORIDA", "EAST", 901},
+    {"FLORIDA", "WEST", 902},
+    {"FLORIDA", "NORTH", 903},
+    {"GEORGIA", "EAST", 1001},
+    {"GEORGIA", "WEST", 1002},
+    {"IDAHO", "EAST", 1101},
+    {"IDAHO", "CENTRAL", 1102},
+    {"IDAHO", "WEST", 1103},
+    {"ILLINOIS", "EAST", 1201},
+    {"ILLINOIS", "WEST", 1202},
+    {"INDIANA", "EAST", 1301},
+    {"INDIANA", "WEST", 1302},
+    {"IOWA", "NORTH", 1401},
+    {"IOWA", "SOUTH", 1402},
+    {"KANSAS", "NORTH", 1501},
+    {"KANSAS", "SOUTH", 1502},
+    {"KENTUCKY", "NORTH", 1601},
+    {"KENTUCKY", "SOUTH", 1602},
+    {"LOUISIANA", "NORTH", 1701},
+    {"LOUISIANA", "SOUTH", 1702},
+    {"MAINE", "EAST", 1801},
+    {"MAINE", "WEST", 1802},
+    {"MARYLAND", "", 1900},
+    {"MASSACHUSETTS", "MAINLAND", 2001},
+    {"MASSACHUSETTS", "ISLAND", 2002},
+    {"MICHIGAN", "NORTH", 2111},
+    {"MICHIGAN", "CENTRAL", 2112},
+    {"MICHIGAN", "SOUTH", 2113},
+    {"MINNESOTA", "NORTH", 2201},
+    {"MINNESOTA", "CENTRAL", 2202},
+    {"MINNESOTA", "SOUTH", 2203},
+    {"MISSISSIPPI", "EAST", 2301},
+    {"MISSISSIPPI", "WEST", 2302},
+    {"MISSOURI", "EAST", 2401},
+    {"MISSOURI", "CENTRAL", 2402},
+    {"MISSOURI", "WEST", 2403},
+    {"MONTANA", "", 2500},
+    {"NEBRASKA", "", 2600},
+    {"NEVADA", "EAST", 2701},
+    {"NEVADA", "CENTRAL", 2702},
+    {"NEVADA", "WEST", 2703},
+    {"NEW HAMPSHIRE", "", 2800},
+    {"NEW JERSEY", "", 2900},
+    {"NEW MEXICO", "EAST", 3001},
+    {"NEW MEXICO", "CENTRAL", 3002},
+    {"NEW MEXICO", "WEST", 3003},
+    {"NEW YORK", "EAST", 3101},
+    {"NEW YORK", "CENTRAL", 3102},
+    {"NEW YORK", "WEST", 3103},
+    {"NEW YORK", "LONG ISLAND", 3104},
+    {"NORTH CAROLINA", "", 3200},
+    {"NORTH DAKOTA", "NORTH", 3301},
+    {"NORTH DAKOTA", "SOUTH", 3302},
+    {"OHIO", "NORTH", 3401},
+    {"OHIO", "SOUTH", 3402},
+    {"OKLAHOMA", "NORTH", 3501},
+    {"OKLAHOMA", "SOUTH", 3502},
+    {"OREGON", "NORTH", 3601},
+    {"OREGON", "SOUTH", 3602},
+    {"PENNSYLVANIA", "NORTH", 3701},
+    {"PENNSYLVANIA", "SOUTH", 3702},
+    {"RHODE ISLAND", "", 3800},
+    {"SOUTH CAROLINA", "", 3900},
+    {"SOUTH DAKOTA", "NORTH", 4001},
+    {"SOUTH DAKOTA", "SOUTH", 4002},
+    {"TENNESSEE", "", 4100},
+    {"TEXAS", "NORTH", 4201},
+    {"TEXAS", "NORTH CENTRAL", 4202},
+    {"TEXAS", "CENTRAL", 4203},
+    {"TEXAS", "SOUTH CENTRAL", 4204},
+    {"TEXAS", "SOUTH", 4205},
+    {"UTAH", "NORTH", 4301},
+    {"UTAH", "CENTRAL", 4302},
+    {"UTAH", "SOUTH", 4303},
+    {"VERMONT", "", 4400},
+    {"VIRGINIA", "NORTH", 4501},
+    {"VIRGINIA", "SOUTH", 4502},
+    {"WASHINGTON", "NORTH", 4601},
+    {"WASHINGTON", "SOUTH", 4602},
+    {"WEST VIRGINIA", "NORTH", 4701},
+    {"WEST VIRGINIA", "SOUTH", 4702},
+    {"WISCONSIN", "NORTH", 4801},
+    {"WISCONSIN", "CENTRAL", 4802},
+    {"WISCONSIN", "SOUTH", 4803},
+    {"WYOMING", "EAST", 4901},
+    {"WYOMING", "EAST CENTRAL", 4902},
+    {"WYOMING", "WEST CENTRAL", 4903},
+    {"WYOMING", "WEST", 4904},
+    {"ALASKA", "ZONE NO. 1", 5001},
+    {"ALASKA", "ZONE NO. 2", 5002},
+    {"ALASKA", "ZONE NO. 3", 5003},
+    {"ALASKA", "ZONE NO. 4", 5004},
+    {"ALASKA", "ZONE NO. 5", 5005},
+    {"ALASKA", "ZONE NO. 6", 5006},
+    {"ALASKA", "ZONE NO. 7", 5007},
+    {"ALASKA", "ZONE NO. 8", 5008},
+    {"ALASKA", "ZONE NO. 9", 5009},
+    {"ALASKA", "ZONE NO. 10", 5010},
+    {"HAWAII", "1", 5101},
+    {"HAWAII", "2345", 5102},
+    {"HAWAII", "3", 5103},
+    {"HAWAII", "4", 5104},
+    {"HAWAII", "5", 5105},
+    {"PUERTO RICO AND VIRGIN ISLANDS", "", 5200},
 };
 
 // NAD27 differs from NAD83 in these states; their rows replace the NAD83 ones in place.
 const PlaneRow nad27Changes[] = {
-    {"CALIFORNIA", "I", 401}, {"CALIFORNIA", "II", 402}, {"CALIFORNIA", "III", 403}, {"CALIFORNIA", "IV", 404},
-    {"CALIFORNIA", "V", 405}, {"CALIFORNIA", "VI", 406}, {"CALIFORNIA", "VII", 407},
-    {"MICHIGAN", "EAST", 2101}, {"MICHIGAN", "CENTRAL/M", 2102}, {"MICHIGAN", "WEST", 2103},
-    {"MICHIGAN", "NORTH", 2111}, {"MICHIGAN", "CENTRAL/L", 2112}, {"MICHIGAN", "SOUTH", 2113},
-    {"MONTANA", "NORTH", 2501}, {"MONTANA", "CENTRAL", 2502}, {"MONTANA", "SOUTH", 2503},
-    {"NEBRASKA", "NORTH", 2601}, {"NEBRASKA", "SOUTH", 2602},
-    {"SOUTH CAROLINA", "NORTH", 3901}, {"SOUTH CAROLINA", "SOUTH", 3902},
-    {"PUERTO RICO AND VIRGIN ISLANDS", "", 5201},
+    {"CALIFORNIA", "I", 401},          {"CALIFORNIA", "II", 402},         {"CALIFORNIA", "III", 403},
+    {"CALIFORNIA", "IV", 404},         {"CALIFORNIA", "V", 405},          {"CALIFORNIA", "VI", 406},
+    {"CALIFORNIA", "VII", 407},        {"MICHIGAN", "EAST", 2101},        {"MICHIGAN", "CENTRAL/M", 2102},
+    {"MICHIGAN", "WEST", 2103},        {"MICHIGAN", "NORTH", 2111},       {"MICHIGAN", "CENTRAL/L", 2112},
+    {"MICHIGAN", "SOUTH", 2113},       {"MONTANA", "NORTH", 2501},        {"MONTANA", "CENTRAL", 2502},
+    {"MONTANA", "SOUTH", 2503},        {"NEBRASKA", "NORTH", 2601},       {"NEBRASKA", "SOUTH", 2602},
+    {"SOUTH CAROLINA", "NORTH", 3901}, {"SOUTH CAROLINA", "SOUTH", 3902}, {"PUERTO RICO AND VIRGIN ISLANDS", "", 5201},
 };
 const PlaneRow nad27Extra[] = {{"VIRGIN ISLANDS", "ST. CROIX", 5202}, {"AMERICAN SAMOA", "", 5300}};
 
@@ -546,17 +708,29 @@ double ellipsoidValue(OGRSpatialReference* ref, bool* ok, double (OGRSpatialRefe
 }
 } // namespace
 
-double RKCoordinateSystem::semi_major(bool* ok) const { return ellipsoidValue(reference(), ok, &OGRSpatialReference::GetSemiMajor); }
-double RKCoordinateSystem::semi_minor(bool* ok) const { return ellipsoidValue(reference(), ok, &OGRSpatialReference::GetSemiMinor); }
+double RKCoordinateSystem::semi_major(bool* ok) const
+{
+    return ellipsoidValue(reference(), ok, &OGRSpatialReference::GetSemiMajor);
+}
+double RKCoordinateSystem::semi_minor(bool* ok) const
+{
+    return ellipsoidValue(reference(), ok, &OGRSpatialReference::GetSemiMinor);
+}
 double RKCoordinateSystem::inverse_flattening(bool* ok) const
 {
     return ellipsoidValue(reference(), ok, &OGRSpatialReference::GetInvFlattening);
 }
 double RKCoordinateSystem::prime_meridian(bool*) const { return reference()->GetPrimeMeridian(); }
-double RKCoordinateSystem::projection_central_meridian() const { return reference()->GetProjParm("central_meridian", 0.0); }
+double RKCoordinateSystem::projection_central_meridian() const
+{
+    return reference()->GetProjParm("central_meridian", 0.0);
+}
 double RKCoordinateSystem::projection_false_easting() const { return reference()->GetProjParm("false_easting", 0.0); }
 double RKCoordinateSystem::projection_false_northing() const { return reference()->GetProjParm("false_northing", 0.0); }
-double RKCoordinateSystem::projection_lattitude_of_origin() const { return reference()->GetProjParm("latitude_of_origin", 0.0); }
+double RKCoordinateSystem::projection_lattitude_of_origin() const
+{
+    return reference()->GetProjParm("latitude_of_origin", 0.0);
+}
 double RKCoordinateSystem::projection_scale_factor() const { return reference()->GetProjParm("scale_factor", 0.0); }
 int RKCoordinateSystem::utm_zone() const { return reference()->GetUTMZone(nullptr); }
 bool RKCoordinateSystem::utm_zone_is_north() const
@@ -677,10 +851,10 @@ void RKCoordinateSystem::inititalise_projection_parameters()
                                               parameter("Satellite Height"), parameter("False Easting"),
                                               parameter("False Northing")};
         m_s_projection_parameters.insert(QStringLiteral("Geostationary Satellite"), geos);
-        QList<CoordinateSystemParameter> belgium{parameter("Standard Parallel 1"),
-                                                 withRange(parameter("Standard Parallel 1"), 180, -180),
-                                                 parameter("Centre Lat"), parameter("Centre Longitude"),
-                                                 parameter("False Easting"), parameter("False Northing")};
+        QList<CoordinateSystemParameter> belgium{
+            parameter("Standard Parallel 1"), withRange(parameter("Standard Parallel 1"), 180, -180),
+            parameter("Centre Lat"),          parameter("Centre Longitude"),
+            parameter("False Easting"),       parameter("False Northing")};
         m_s_projection_parameters.insert(QStringLiteral("Lambert Conformal Conic (Belgium)"), belgium);
         for (const auto& name : displayNames)
             m_s_projection_names.insert(name.first, QString::fromLatin1(name.second));
@@ -853,7 +1027,7 @@ bool RKCoordinateSystem::apply(OGRSpatialReference& ref, OGRErr result)
     bool RKCoordinateSystem::NAME(__VA_ARGS__)                                                                         \
     {                                                                                                                  \
         OGRSpatialReference ref = new_reference();                                                                     \
-        return apply(ref, guarded([&] { return ref.CALL; }, OGRErr(OGRERR_FAILURE)));                                 \
+        return apply(ref, guarded([&] { return ref.CALL; }, OGRErr(OGRERR_FAILURE)));                                  \
     }
 
 #define D double
@@ -900,7 +1074,8 @@ RK_SETTER(set_TMVariant, SetTMVariant(v, a, b, c, d, e), char const* v, D a, D b
 RK_SETTER(set_TPED, SetTPED(a, b, c, d, e, f), D a, D b, D c, D d, D e, D f)
 RK_SETTER(set_VDG, SetVDG(a, b, c), D a, D b, D c)
 RK_SETTER(set_Wagner, SetWagner(v, b, c, d), int v, D b, D c, D d)
-RK_SETTER(set_StatePlane, SetStatePlane(code, nad83, unit_name, unit), int code, bool nad83, char const* unit_name, D unit)
+RK_SETTER(set_StatePlane, SetStatePlane(code, nad83, unit_name, unit), int code, bool nad83, char const* unit_name,
+          D unit)
 #undef D
 #undef RK_SETTER
 

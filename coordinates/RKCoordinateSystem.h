@@ -24,17 +24,23 @@ namespace rkBase {
 /// Lengths are in the XY unit, angles in the orientation unit, fractions in the fraction unit.
 struct RKBASE_EXPORT CoordinateSystemParameter {
     /// Kinds of parameter, the values of `type`.
-    enum Type { LengthParameter = 0, BooleanParameter = 1, IntegerParameter = 2, AngleParameter = 3, FractionParameter = 4 };
-    QString name;          ///< Label in the selector.
-    int max_int = 0;       ///< Upper limit of an integer parameter.
-    int min_int = 0;       ///< Lower limit of an integer parameter.
-    int default_int = 0;   ///< Start value of an integer parameter.
-    double max_value = 0;  ///< Upper limit of a length, angle or fraction.
-    double min_value = 0;  ///< Lower limit of a length, angle or fraction.
-    double default_value = 0; ///< Start value of a length, angle or fraction.
-    QString true_text;     ///< Label of the true choice of a boolean parameter.
-    QString false_text;    ///< Label of the false choice of a boolean parameter.
-    bool default_bool = false; ///< Start value of a boolean parameter.
+    enum Type {
+        LengthParameter = 0,
+        BooleanParameter = 1,
+        IntegerParameter = 2,
+        AngleParameter = 3,
+        FractionParameter = 4
+    };
+    QString name;               ///< Label in the selector.
+    int max_int = 0;            ///< Upper limit of an integer parameter.
+    int min_int = 0;            ///< Lower limit of an integer parameter.
+    int default_int = 0;        ///< Start value of an integer parameter.
+    double max_value = 0;       ///< Upper limit of a length, angle or fraction.
+    double min_value = 0;       ///< Lower limit of a length, angle or fraction.
+    double default_value = 0;   ///< Start value of a length, angle or fraction.
+    QString true_text;          ///< Label of the true choice of a boolean parameter.
+    QString false_text;         ///< Label of the false choice of a boolean parameter.
+    bool default_bool = false;  ///< Start value of a boolean parameter.
     int type = LengthParameter; ///< One of `Type`.
 };
 
@@ -52,15 +58,52 @@ public:
 
     /// Projection classes. Values are stored by callers and must not change.
     enum ProjectionType {
-        NoProjection = 0, UTM, AlbersConicEqualArea, AzimuthalEquidistant, Bonne, CylindricalEqualArea,
-        CassiniSoldner, EquidistantConic, Eckert, Equirectangular, Equirectangular2, GeostationarySatellite,
-        GoodeHomolosine, GallStereographic, GaussSchreiberTMercator, Gnomonic, HotineObliqueMercatorAzimuthCenter,
-        HotineObliqueMercator, HotineObliqueMercator2Point, IWMPolyconic, Krovak, LambertAzimuthalEqualArea,
-        LambertConformalConic, LambertConformalConic1SP, LambertConformalConicBelgium, MillerCylindrical, Mercator,
-        Mollweide, NewZealandMapGrid, ObliqueStereographic, Orthographic, Polyconic, PolarStereographic, Robinson,
-        Sinusoidal, Stereographic, SwissObliqueCylindrical, TransverseMercator, TransverseMercatorVariant,
-        TunisiaMiningGrid, TransverseMercatorSouthOriented, TwoPointEquidistant, VanDerGrinten, Wagner,
-        UnknownMarker, OtherProjection
+        NoProjection = 0,
+        UTM,
+        AlbersConicEqualArea,
+        AzimuthalEquidistant,
+        Bonne,
+        CylindricalEqualArea,
+        CassiniSoldner,
+        EquidistantConic,
+        Eckert,
+        Equirectangular,
+        Equirectangular2,
+        GeostationarySatellite,
+        GoodeHomolosine,
+        GallStereographic,
+        GaussSchreiberTMercator,
+        Gnomonic,
+        HotineObliqueMercatorAzimuthCenter,
+        HotineObliqueMercator,
+        HotineObliqueMercator2Point,
+        IWMPolyconic,
+        Krovak,
+        LambertAzimuthalEqualArea,
+        LambertConformalConic,
+        LambertConformalConic1SP,
+        LambertConformalConicBelgium,
+        MillerCylindrical,
+        Mercator,
+        Mollweide,
+        NewZealandMapGrid,
+        ObliqueStereographic,
+        Orthographic,
+        Polyconic,
+        PolarStereographic,
+        Robinson,
+        Sinusoidal,
+        Stereographic,
+        SwissObliqueCylindrical,
+        TransverseMercator,
+        TransverseMercatorVariant,
+        TunisiaMiningGrid,
+        TransverseMercatorSouthOriented,
+        TwoPointEquidistant,
+        VanDerGrinten,
+        Wagner,
+        UnknownMarker,
+        OtherProjection
     };
 
     /// \brief A reusable transformation from a projected system to a geographic one.
@@ -190,49 +233,49 @@ public:
     /// lengths in the linear unit) with OGR's argument order. False when OGR refuses; the
     /// system is then unchanged.
     ///@{
-    bool set_albers_projection(double, double, double, double, double, double); ///< Albers conic equal area.
-    bool set_azimuthal_equidistant_projection(double, double, double, double); ///< Azimuthal equidistant.
-    bool set_bonne_projection(double, double, double, double); ///< Bonne.
-    bool set_cassini_soldner_projection(double, double, double, double); ///< Cassini-Soldner.
-    bool set_cyclindrical_equal_area_projection(double, double, double, double); ///< Cylindrical equal area.
-    bool set_eckert_projection(int, double, double, double); ///< Eckert I to VI.
+    bool set_albers_projection(double, double, double, double, double, double);            ///< Albers conic equal area.
+    bool set_azimuthal_equidistant_projection(double, double, double, double);             ///< Azimuthal equidistant.
+    bool set_bonne_projection(double, double, double, double);                             ///< Bonne.
+    bool set_cassini_soldner_projection(double, double, double, double);                   ///< Cassini-Soldner.
+    bool set_cyclindrical_equal_area_projection(double, double, double, double);           ///< Cylindrical equal area.
+    bool set_eckert_projection(int, double, double, double);                               ///< Eckert I to VI.
     bool set_equidistant_conic_projection(double, double, double, double, double, double); ///< Equidistant conic.
-    bool set_equirectangular_projection(double, double, double, double); ///< Equirectangular.
+    bool set_equirectangular_projection(double, double, double, double);                   ///< Equirectangular.
     bool set_equirectangular2(double, double, double, double, double); ///< Generalised equirectangular.
     bool set_lambert_conformal_conic_projection(double, double, double, double, double, double); ///< LCC 2SP.
-    bool set_LCC(double, double, double, double, double, double); ///< LCC 2SP.
-    bool set_LCC1SP(double, double, double, double, double); ///< LCC 1SP.
-    bool set_LCCB(double, double, double, double, double, double); ///< LCC Belgium.
-    bool set_mercator_projection(double, double, double, double, double); ///< Mercator.
-    bool set_transverse_mercator_projection(double, double, double, double, double); ///< Transverse Mercator.
-    bool set_GEOS(double, double, double, double); ///< Geostationary satellite.
-    bool set_GH(double, double, double); ///< Goode homolosine.
-    bool set_GS(double, double, double); ///< Gall stereographic.
-    bool set_GaussSchreiberTMercator(double, double, double, double, double); ///< Gauss-Schreiber TM.
-    bool set_Gnomonic(double, double, double, double); ///< Gnomonic.
-    bool set_HOM(double, double, double, double, double, double, double); ///< Hotine oblique Mercator.
-    bool set_HOMAC(double, double, double, double, double, double, double); ///< Hotine, azimuth centre.
+    bool set_LCC(double, double, double, double, double, double);                                ///< LCC 2SP.
+    bool set_LCC1SP(double, double, double, double, double);                                     ///< LCC 1SP.
+    bool set_LCCB(double, double, double, double, double, double);                               ///< LCC Belgium.
+    bool set_mercator_projection(double, double, double, double, double);                        ///< Mercator.
+    bool set_transverse_mercator_projection(double, double, double, double, double);  ///< Transverse Mercator.
+    bool set_GEOS(double, double, double, double);                                    ///< Geostationary satellite.
+    bool set_GH(double, double, double);                                              ///< Goode homolosine.
+    bool set_GS(double, double, double);                                              ///< Gall stereographic.
+    bool set_GaussSchreiberTMercator(double, double, double, double, double);         ///< Gauss-Schreiber TM.
+    bool set_Gnomonic(double, double, double, double);                                ///< Gnomonic.
+    bool set_HOM(double, double, double, double, double, double, double);             ///< Hotine oblique Mercator.
+    bool set_HOMAC(double, double, double, double, double, double, double);           ///< Hotine, azimuth centre.
     bool set_HOM2PNO(double, double, double, double, double, double, double, double); ///< Hotine two point.
-    bool set_IWMPolyconic(double, double, double, double, double); ///< World map polyconic.
-    bool set_Krovak(double, double, double, double, double, double, double); ///< Krovak.
-    bool set_LAEA(double, double, double, double); ///< Lambert azimuthal equal area.
-    bool set_MC(double, double, double, double); ///< Miller cylindrical.
-    bool set_Mollweide(double, double, double); ///< Mollweide.
-    bool set_NZMG(double, double, double, double); ///< New Zealand map grid.
-    bool set_OS(double, double, double, double, double); ///< Oblique stereographic.
-    bool set_Orthographic(double, double, double, double); ///< Orthographic.
-    bool set_PS(double, double, double, double, double); ///< Polar stereographic.
-    bool set_Polyconic(double, double, double, double); ///< Polyconic.
-    bool set_Robinson(double, double, double); ///< Robinson.
-    bool set_SOC(double, double, double, double); ///< Swiss oblique cylindrical.
-    bool set_Sinusoidal(double, double, double); ///< Sinusoidal.
-    bool set_Stereographic(double, double, double, double, double); ///< Stereographic.
-    bool set_TMG(double, double, double, double); ///< Tunisia mining grid.
-    bool set_TMSO(double, double, double, double, double); ///< Transverse Mercator, south oriented.
+    bool set_IWMPolyconic(double, double, double, double, double);                    ///< World map polyconic.
+    bool set_Krovak(double, double, double, double, double, double, double);          ///< Krovak.
+    bool set_LAEA(double, double, double, double);                                    ///< Lambert azimuthal equal area.
+    bool set_MC(double, double, double, double);                                      ///< Miller cylindrical.
+    bool set_Mollweide(double, double, double);                                       ///< Mollweide.
+    bool set_NZMG(double, double, double, double);                                    ///< New Zealand map grid.
+    bool set_OS(double, double, double, double, double);                              ///< Oblique stereographic.
+    bool set_Orthographic(double, double, double, double);                            ///< Orthographic.
+    bool set_PS(double, double, double, double, double);                              ///< Polar stereographic.
+    bool set_Polyconic(double, double, double, double);                               ///< Polyconic.
+    bool set_Robinson(double, double, double);                                        ///< Robinson.
+    bool set_SOC(double, double, double, double);                                     ///< Swiss oblique cylindrical.
+    bool set_Sinusoidal(double, double, double);                                      ///< Sinusoidal.
+    bool set_Stereographic(double, double, double, double, double);                   ///< Stereographic.
+    bool set_TMG(double, double, double, double);                                     ///< Tunisia mining grid.
+    bool set_TMSO(double, double, double, double, double);                   ///< Transverse Mercator, south oriented.
     bool set_TMVariant(char const*, double, double, double, double, double); ///< Transverse Mercator variant.
-    bool set_TPED(double, double, double, double, double, double); ///< Two point equidistant.
-    bool set_VDG(double, double, double); ///< Van der Grinten.
-    bool set_Wagner(int, double, double, double); ///< Wagner I to VII.
+    bool set_TPED(double, double, double, double, double, double);           ///< Two point equidistant.
+    bool set_VDG(double, double, double);                                    ///< Van der Grinten.
+    bool set_Wagner(int, double, double, double);                            ///< Wagner I to VII.
     bool set_StatePlane(int code, bool nad83, char const* unit_name, double unit); ///< US state plane zone.
     ///@}
 
@@ -261,7 +304,8 @@ public:
     /// Reusable transformation to the named geographic system (empty or unknown: this system's own).
     boost::shared_ptr<PointToLatLongTransform> transform_point_to_lat_long(QString const& well_known_name) const;
     /// (latitude, longitude) of projected (x, y) in the named geographic system; (0, 0) on failure.
-    std::pair<double, double> transform_point_to_lat_long(double x, double y, double z, QString const& well_known_name) const;
+    std::pair<double, double> transform_point_to_lat_long(double x, double y, double z,
+                                                          QString const& well_known_name) const;
     /// (x, y) of a point in this system's own geographic system; (0, 0) when not projected.
     std::pair<double, double> transform_lat_long_to_point(double latitude, double longitude) const;
     /// (x, y) of a WGS84 point; (0, 0) when not projected.

@@ -138,10 +138,7 @@ GDALErrorHandler* GDALErrorHandlerFactory::create_unmanaged()
     return pick(registry_str().front())->make();
 }
 
-GDALErrorHandler* GDALErrorHandlerFactory::create_unmanaged(const std::string& name)
-{
-    return pick(name)->make();
-}
+GDALErrorHandler* GDALErrorHandlerFactory::create_unmanaged(const std::string& name) { return pick(name)->make(); }
 
 boost::shared_ptr<GDALErrorHandler> GDALErrorHandlerFactory::create()
 {
@@ -155,11 +152,5 @@ boost::shared_ptr<GDALErrorHandler> GDALErrorHandlerFactory::create(const std::s
 }
 
 std::vector<std::string> GDALErrorHandlerFactory::products() { return registry_str(); }
-std::vector<std::string>::const_iterator GDALErrorHandlerFactory::products_begin()
-{
-    return registry_str().cbegin();
-}
-std::vector<std::string>::const_iterator GDALErrorHandlerFactory::products_end()
-{
-    return registry_str().cend();
-}
+std::vector<std::string>::const_iterator GDALErrorHandlerFactory::products_begin() { return registry_str().cbegin(); }
+std::vector<std::string>::const_iterator GDALErrorHandlerFactory::products_end() { return registry_str().cend(); }

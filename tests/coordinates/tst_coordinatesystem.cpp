@@ -67,8 +67,9 @@ private slots:
                                  << "Coordinate System: WGS_1984   Projection:UTM ( zone:31N )";
         QTest::newRow("UTM 34S PROJ") << std::string("+proj=utm +zone=34 +south +datum=WGS84") << int(CS::Projected)
                                       << "Coordinate System: WGS_1984   Projection:UTM ( zone:34S )";
-        QTest::newRow("British grid") << epsgWkt(27700) << int(CS::Projected)
-                                      << "Coordinate System: Ordnance_Survey_of_Great_Britain_1936   Projection:Transverse_Mercator";
+        QTest::newRow("British grid")
+            << epsgWkt(27700) << int(CS::Projected)
+            << "Coordinate System: Ordnance_Survey_of_Great_Britain_1936   Projection:Transverse_Mercator";
     }
     void kinds()
     {
@@ -253,32 +254,49 @@ private slots:
             const char* projection;
             int type;
         } rows[] = {
-            {"Albers_Conic_Equal_Area", CS::AlbersConicEqualArea}, {"Azimuthal_Equidistant", CS::AzimuthalEquidistant},
-            {"Bonne", CS::Bonne}, {"Cassini_Soldner", CS::CassiniSoldner},
-            {"Cylindrical_Equal_Area", CS::CylindricalEqualArea}, {"Eckert_IV", CS::Eckert},
-            {"Equidistant_Conic", CS::EquidistantConic}, {"Equirectangular", CS::Equirectangular},
-            {"Equirectangular", CS::Equirectangular2}, {"Lambert_Conformal_Conic_2SP", CS::LambertConformalConic},
+            {"Albers_Conic_Equal_Area", CS::AlbersConicEqualArea},
+            {"Azimuthal_Equidistant", CS::AzimuthalEquidistant},
+            {"Bonne", CS::Bonne},
+            {"Cassini_Soldner", CS::CassiniSoldner},
+            {"Cylindrical_Equal_Area", CS::CylindricalEqualArea},
+            {"Eckert_IV", CS::Eckert},
+            {"Equidistant_Conic", CS::EquidistantConic},
+            {"Equirectangular", CS::Equirectangular},
+            {"Equirectangular", CS::Equirectangular2},
+            {"Lambert_Conformal_Conic_2SP", CS::LambertConformalConic},
             {"Lambert_Conformal_Conic_2SP", CS::LambertConformalConic},
             {"Lambert_Conformal_Conic_1SP", CS::LambertConformalConic1SP},
             {"Lambert_Conformal_Conic_2SP_Belgium", CS::LambertConformalConicBelgium},
-            {"Mercator_1SP", CS::Mercator}, {"Transverse_Mercator", CS::TransverseMercator},
-            {"Geostationary_Satellite", CS::GeostationarySatellite}, {"Goode_Homolosine", CS::GoodeHomolosine},
+            {"Mercator_1SP", CS::Mercator},
+            {"Transverse_Mercator", CS::TransverseMercator},
+            {"Geostationary_Satellite", CS::GeostationarySatellite},
+            {"Goode_Homolosine", CS::GoodeHomolosine},
             {"Gall_Stereographic", CS::GallStereographic},
-            {"Gauss_Schreiber_Transverse_Mercator", CS::GaussSchreiberTMercator}, {"Gnomonic", CS::Gnomonic},
+            {"Gauss_Schreiber_Transverse_Mercator", CS::GaussSchreiberTMercator},
+            {"Gnomonic", CS::Gnomonic},
             {"Hotine_Oblique_Mercator", CS::HotineObliqueMercator},
             {"Hotine_Oblique_Mercator_Azimuth_Center", CS::HotineObliqueMercatorAzimuthCenter},
             {"Hotine_Oblique_Mercator_Two_Point_Natural_Origin", CS::HotineObliqueMercator2Point},
-            {"International_Map_of_the_World_Polyconic", CS::IWMPolyconic}, {"Krovak", -2},
+            {"International_Map_of_the_World_Polyconic", CS::IWMPolyconic},
+            {"Krovak", -2},
             {"Lambert_Azimuthal_Equal_Area", CS::LambertAzimuthalEqualArea},
-            {"Miller_Cylindrical", CS::MillerCylindrical}, {"Mollweide", CS::Mollweide},
-            {"New_Zealand_Map_Grid", -2}, {"Oblique_Stereographic", CS::ObliqueStereographic},
-            {"Orthographic", CS::Orthographic}, {"Polar_Stereographic", CS::PolarStereographic},
-            {"Polyconic", CS::Polyconic}, {"Robinson", CS::Robinson},
+            {"Miller_Cylindrical", CS::MillerCylindrical},
+            {"Mollweide", CS::Mollweide},
+            {"New_Zealand_Map_Grid", -2},
+            {"Oblique_Stereographic", CS::ObliqueStereographic},
+            {"Orthographic", CS::Orthographic},
+            {"Polar_Stereographic", CS::PolarStereographic},
+            {"Polyconic", CS::Polyconic},
+            {"Robinson", CS::Robinson},
             {"Hotine_Oblique_Mercator_Azimuth_Center", CS::HotineObliqueMercatorAzimuthCenter},
-            {"Sinusoidal", CS::Sinusoidal}, {"Stereographic", CS::Stereographic},
-            {"Tunisia_Mapping_Grid", -1}, {"Transverse_Mercator_South_Orientated", -2},
-            {"Transverse_Mercator_MapInfo_21", -1}, {"Two_Point_Equidistant", CS::TwoPointEquidistant},
-            {"VanDerGrinten", CS::VanDerGrinten}, {"Wagner_III", CS::Wagner},
+            {"Sinusoidal", CS::Sinusoidal},
+            {"Stereographic", CS::Stereographic},
+            {"Tunisia_Mapping_Grid", -1},
+            {"Transverse_Mercator_South_Orientated", -2},
+            {"Transverse_Mercator_MapInfo_21", -1},
+            {"Two_Point_Equidistant", CS::TwoPointEquidistant},
+            {"VanDerGrinten", CS::VanDerGrinten},
+            {"Wagner_III", CS::Wagner},
         };
         int i = 0;
         for (const auto& row : rows) {
@@ -295,49 +313,135 @@ private slots:
         const double a = 10, b = 20, c = 30, d = 40, e = 1000, f = 2000;
         bool done = false;
         switch (which) {
-        case 0: done = cs.set_albers_projection(20, 50, 35, 10, e, f); break;
-        case 1: done = cs.set_azimuthal_equidistant_projection(a, b, e, f); break;
-        case 2: done = cs.set_bonne_projection(a, b, e, f); break;
-        case 3: done = cs.set_cassini_soldner_projection(a, b, e, f); break;
-        case 4: done = cs.set_cyclindrical_equal_area_projection(a, b, e, f); break;
-        case 5: done = cs.set_eckert_projection(4, b, e, f); break;
-        case 6: done = cs.set_equidistant_conic_projection(20, 50, 35, 10, e, f); break;
-        case 7: done = cs.set_equirectangular_projection(a, b, e, f); break;
-        case 8: done = cs.set_equirectangular2(a, b, c, e, f); break;
-        case 9: done = cs.set_lambert_conformal_conic_projection(20, 50, 35, 10, e, f); break;
-        case 10: done = cs.set_LCC(20, 50, 35, 10, e, f); break;
-        case 11: done = cs.set_LCC1SP(a, b, 0.99, e, f); break;
-        case 12: done = cs.set_LCCB(20, 50, 35, 10, e, f); break;
-        case 13: done = cs.set_mercator_projection(0, b, 1, e, f); break;
-        case 14: done = cs.set_transverse_mercator_projection(a, b, 0.9, e, f); break;
-        case 15: done = cs.set_GEOS(b, 35785831, e, f); break;
-        case 16: done = cs.set_GH(b, e, f); break;
-        case 17: done = cs.set_GS(b, e, f); break;
-        case 18: done = cs.set_GaussSchreiberTMercator(a, b, 1, e, f); break;
-        case 19: done = cs.set_Gnomonic(a, b, e, f); break;
-        case 20: done = cs.set_HOM(a, b, c, c, 1, e, f); break;
-        case 21: done = cs.set_HOMAC(a, b, c, c, 1, e, f); break;
-        case 22: done = cs.set_HOM2PNO(a, 20, 5, 30, 15, 1, e, f); break;
-        case 23: done = cs.set_IWMPolyconic(a, b, c, e, f); break;
-        case 24: done = cs.set_Krovak(49.5, 24.8, 30.3, 78.5, 0.9999, e, f); break;
-        case 25: done = cs.set_LAEA(a, b, e, f); break;
-        case 26: done = cs.set_MC(a, b, e, f); break;
-        case 27: done = cs.set_Mollweide(b, e, f); break;
-        case 28: done = cs.set_NZMG(-41, 173, e, f); break;
-        case 29: done = cs.set_OS(a, b, 1, e, f); break;
-        case 30: done = cs.set_Orthographic(a, b, e, f); break;
-        case 31: done = cs.set_PS(-71, b, 1, e, f); break;
-        case 32: done = cs.set_Polyconic(a, b, e, f); break;
-        case 33: done = cs.set_Robinson(b, e, f); break;
-        case 34: done = cs.set_SOC(46.9, 7.4, e, f); break;
-        case 35: done = cs.set_Sinusoidal(b, e, f); break;
-        case 36: done = cs.set_Stereographic(a, b, 1, e, f); break;
-        case 37: done = cs.set_TMG(a, b, e, f); break;
-        case 38: done = cs.set_TMSO(a, b, 1, e, f); break;
-        case 39: done = cs.set_TMVariant("Transverse_Mercator_MapInfo_21", a, b, 1, e, f); break;
-        case 40: done = cs.set_TPED(a, b, c, d, e, f); break;
-        case 41: done = cs.set_VDG(b, e, f); break;
-        case 42: done = cs.set_Wagner(3, a, e, f); break;
+        case 0:
+            done = cs.set_albers_projection(20, 50, 35, 10, e, f);
+            break;
+        case 1:
+            done = cs.set_azimuthal_equidistant_projection(a, b, e, f);
+            break;
+        case 2:
+            done = cs.set_bonne_projection(a, b, e, f);
+            break;
+        case 3:
+            done = cs.set_cassini_soldner_projection(a, b, e, f);
+            break;
+        case 4:
+            done = cs.set_cyclindrical_equal_area_projection(a, b, e, f);
+            break;
+        case 5:
+            done = cs.set_eckert_projection(4, b, e, f);
+            break;
+        case 6:
+            done = cs.set_equidistant_conic_projection(20, 50, 35, 10, e, f);
+            break;
+        case 7:
+            done = cs.set_equirectangular_projection(a, b, e, f);
+            break;
+        case 8:
+            done = cs.set_equirectangular2(a, b, c, e, f);
+            break;
+        case 9:
+            done = cs.set_lambert_conformal_conic_projection(20, 50, 35, 10, e, f);
+            break;
+        case 10:
+            done = cs.set_LCC(20, 50, 35, 10, e, f);
+            break;
+        case 11:
+            done = cs.set_LCC1SP(a, b, 0.99, e, f);
+            break;
+        case 12:
+            done = cs.set_LCCB(20, 50, 35, 10, e, f);
+            break;
+        case 13:
+            done = cs.set_mercator_projection(0, b, 1, e, f);
+            break;
+        case 14:
+            done = cs.set_transverse_mercator_projection(a, b, 0.9, e, f);
+            break;
+        case 15:
+            done = cs.set_GEOS(b, 35785831, e, f);
+            break;
+        case 16:
+            done = cs.set_GH(b, e, f);
+            break;
+        case 17:
+            done = cs.set_GS(b, e, f);
+            break;
+        case 18:
+            done = cs.set_GaussSchreiberTMercator(a, b, 1, e, f);
+            break;
+        case 19:
+            done = cs.set_Gnomonic(a, b, e, f);
+            break;
+        case 20:
+            done = cs.set_HOM(a, b, c, c, 1, e, f);
+            break;
+        case 21:
+            done = cs.set_HOMAC(a, b, c, c, 1, e, f);
+            break;
+        case 22:
+            done = cs.set_HOM2PNO(a, 20, 5, 30, 15, 1, e, f);
+            break;
+        case 23:
+            done = cs.set_IWMPolyconic(a, b, c, e, f);
+            break;
+        case 24:
+            done = cs.set_Krovak(49.5, 24.8, 30.3, 78.5, 0.9999, e, f);
+            break;
+        case 25:
+            done = cs.set_LAEA(a, b, e, f);
+            break;
+        case 26:
+            done = cs.set_MC(a, b, e, f);
+            break;
+        case 27:
+            done = cs.set_Mollweide(b, e, f);
+            break;
+        case 28:
+            done = cs.set_NZMG(-41, 173, e, f);
+            break;
+        case 29:
+            done = cs.set_OS(a, b, 1, e, f);
+            break;
+        case 30:
+            done = cs.set_Orthographic(a, b, e, f);
+            break;
+        case 31:
+            done = cs.set_PS(-71, b, 1, e, f);
+            break;
+        case 32:
+            done = cs.set_Polyconic(a, b, e, f);
+            break;
+        case 33:
+            done = cs.set_Robinson(b, e, f);
+            break;
+        case 34:
+            done = cs.set_SOC(46.9, 7.4, e, f);
+            break;
+        case 35:
+            done = cs.set_Sinusoidal(b, e, f);
+            break;
+        case 36:
+            done = cs.set_Stereographic(a, b, 1, e, f);
+            break;
+        case 37:
+            done = cs.set_TMG(a, b, e, f);
+            break;
+        case 38:
+            done = cs.set_TMSO(a, b, 1, e, f);
+            break;
+        case 39:
+            done = cs.set_TMVariant("Transverse_Mercator_MapInfo_21", a, b, 1, e, f);
+            break;
+        case 40:
+            done = cs.set_TPED(a, b, c, d, e, f);
+            break;
+        case 41:
+            done = cs.set_VDG(b, e, f);
+            break;
+        case 42:
+            done = cs.set_Wagner(3, a, e, f);
+            break;
         }
         QVERIFY(done);
         QCOMPARE(QString::fromStdString(cs.projection_string()), projection);

@@ -40,8 +40,9 @@ private slots:
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<QString>("expected");
         // Figures from cs2cs (PROJ 9.1).
-        QTest::newRow("to UTM") << QStringList{"crs", "transform", "--from", "EPSG:4326", "--to", "EPSG:32631", "3.7", "45.5"}
-                                << "554688.73877";  // cs2cs: 554688.7388 to four places
+        QTest::newRow("to UTM") << QStringList{"crs",  "transform",  "--from", "EPSG:4326",
+                                               "--to", "EPSG:32631", "3.7",    "45.5"}
+                                << "554688.73877"; // cs2cs: 554688.7388 to four places
         QTest::newRow("tolatlong") << QStringList{"crs", "tolatlong", "EPSG:32631", "600000", "4500000"}
                                    << "latitude 40.64479965, longitude 4.182699623";
         QTest::newRow("PROJ string") << QStringList{"crs", "info", "+proj=utm +zone=34 +south +datum=WGS84"}
@@ -78,7 +79,8 @@ private slots:
         QTest::newRow("huge") << QStringList{"crs", "tolatlong", "EPSG:32631", "1e308", "1e308"} << 1;
         QTest::newRow("latitude out of range") << QStringList{"crs", "fromlatlong", "EPSG:32631", "95", "3"} << 2;
         QTest::newRow("not projected") << QStringList{"crs", "tolatlong", "EPSG:4326", "1", "2"} << 1;
-        QTest::newRow("missing y") << QStringList{"crs", "transform", "--from", "EPSG:4326", "--to", "EPSG:32631", "3"} << 2;
+        QTest::newRow("missing y") << QStringList{"crs", "transform", "--from", "EPSG:4326", "--to", "EPSG:32631", "3"}
+                                   << 2;
         QTest::newRow("unknown verb") << QStringList{"crs", "projectons"} << 2;
         QTest::newRow("unknown option") << QStringList{"crs", "projections", "--jsn"} << 2;
         QTest::newRow("vertical code has no area") << QStringList{"crs", "area", "5703"} << 1;

@@ -136,7 +136,8 @@ int runInfo(Args& args, Io& io)
             const QVariant& v = values[i];
             const QString shown = v.type() == QVariant::Double ? number(v.toDouble()) : v.toString();
             paramLines << QStringLiteral("  %1: %2").arg(label, shown);
-            params.append(QJsonObject{{QStringLiteral("name"), label}, {QStringLiteral("value"), QJsonValue::fromVariant(v)}});
+            params.append(
+                QJsonObject{{QStringLiteral("name"), label}, {QStringLiteral("value"), QJsonValue::fromVariant(v)}});
         }
         o[QStringLiteral("parameters")] = params;
     }
@@ -151,12 +152,13 @@ int runInfo(Args& args, Io& io)
         io.out << "Ellipsoid: semi-major " << number(a) << " m, inverse flattening " << number(cs.inverse_flattening())
                << "\n";
     if (kind == RKCoordinateSystem::Projected) {
-        io.out << "Projection: " << projName << " (type " << int(type) << ", " << QString::fromStdString(cs.projection_string())
-               << ")\n";
+        io.out << "Projection: " << projName << " (type " << int(type) << ", "
+               << QString::fromStdString(cs.projection_string()) << ")\n";
         if (type == RKCoordinateSystem::UTM)
             io.out << "UTM zone: " << cs.utm_zone() << (cs.utm_zone_is_north() ? " north" : " south") << "\n";
         if (!paramLines.isEmpty())
-            io.out << "Parameters (angles in degrees, lengths in metres):\n" << paramLines.join(QLatin1Char('\n')) << "\n";
+            io.out << "Parameters (angles in degrees, lengths in metres):\n"
+                   << paramLines.join(QLatin1Char('\n')) << "\n";
     }
     if (esri)
         io.out << "ESRI WKT: " << QString::fromStdString(cs.esri_wkt()) << "\n";
@@ -294,8 +296,10 @@ int runArea(Args& args, Io& io)
     if (epsg <= 0 || !RKCoordinateSystem::area_of_use(epsg, x0, y0, x1, y1))
         throw Failure{QStringLiteral("no area of use known for EPSG:%1").arg(code)};
     if (json) {
-        io.out << QJsonDocument(QJsonObject{{QStringLiteral("min_x"), x0}, {QStringLiteral("min_y"), y0},
-                                            {QStringLiteral("max_x"), x1}, {QStringLiteral("max_y"), y1}})
+        io.out << QJsonDocument(QJsonObject{{QStringLiteral("min_x"), x0},
+                                            {QStringLiteral("min_y"), y0},
+                                            {QStringLiteral("max_x"), x1},
+                                            {QStringLiteral("max_y"), y1}})
                       .toJson(QJsonDocument::Compact)
                << "\n";
         return Success;
@@ -320,7 +324,9 @@ int runStatePlane(Args& args, Io& io)
             if (json)
                 o[state] = QJsonArray::fromStringList(zones);
             else
-                io.out << state << ": " << (zones == QStringList{QString()} ? QStringLiteral("(one zone)") : zones.join(QStringLiteral(", ")))
+                io.out << state << ": "
+                       << (zones == QStringList{QString()} ? QStringLiteral("(one zone)")
+                                                           : zones.join(QStringLiteral(", ")))
                        << "\n";
         }
         if (json)
@@ -333,12 +339,14 @@ int runStatePlane(Args& args, Io& io)
     const QString state = p[0].toUpper();
     const QString zone = p.value(1).toUpper();
     if (!RKCoordinateSystem::states(!nad27).contains(state))
-        throw Failure{QStringLiteral("unknown state %1 (see rktool crs stateplane list%2)").arg(p[0], nad27 ? " --nad27" : "")};
+        throw Failure{
+            QStringLiteral("unknown state %1 (see rktool crs stateplane list%2)").arg(p[0], nad27 ? " --nad27" : "")};
     RKCoordinateSystem cs;
     cs.set_well_known_geographic_system(nad27 ? "NAD27" : "NAD83");
     if (!cs.setStatePlane(state, zone, !nad27))
-        throw Failure{QStringLiteral("%1 has no zone '%2'; zones: %3")
-                          .arg(state, zone, RKCoordinateSystem::state_plane_zones(state, !nad27).join(QStringLiteral(", ")))};
+        throw Failure{
+            QStringLiteral("%1 has no zone '%2'; zones: %3")
+                .arg(state, zone, RKCoordinateSystem::state_plane_zones(state, !nad27).join(QStringLiteral(", ")))};
     io.out << QString::fromStdString(cs.wkt()) << "\n";
     return Success;
 }
@@ -359,11 +367,14 @@ int runProjections(Args& args, Io& io)
             if (p.type == rkBase::CoordinateSystemParameter::IntegerParameter)
                 range = QStringLiteral("%1..%2, default %3").arg(p.min_int).arg(p.max_int).arg(p.default_int);
             else if (p.type == rkBase::CoordinateSystemParameter::BooleanParameter)
-                range = QStringLiteral("%1/%2, default %3").arg(p.true_text, p.false_text, p.default_bool ? p.true_text : p.false_text);
+                range = QStringLiteral("%1/%2, default %3")
+                            .arg(p.true_text, p.false_text, p.default_bool ? p.true_text : p.false_text);
             else
-                range = QStringLiteral("%1..%2, default %3").arg(number(p.min_value), number(p.max_value), number(p.default_value));
+                range = QStringLiteral("%1..%2, default %3")
+                            .arg(number(p.min_value), number(p.max_value), number(p.default_value));
             if (json)
-                list.append(QJsonObject{{QStringLiteral("name"), p.name}, {QStringLiteral("type"), type},
+                list.append(QJsonObject{{QStringLiteral("name"), p.name},
+                                        {QStringLiteral("type"), type},
                                         {QStringLiteral("range"), range}});
             else
                 io.out << "  " << p.name << " (" << type << ", " << range << ")\n";
@@ -378,7 +389,8 @@ int runProjections(Args& args, Io& io)
 int runCrs(Args& args, Io& io)
 {
     GDALErrorHandler::instance();
-    const QString verb = args.takeVerb(QStringLiteral("info, transform, tolatlong, fromlatlong, area, stateplane, projections"));
+    const QString verb =
+        args.takeVerb(QStringLiteral("info, transform, tolatlong, fromlatlong, area, stateplane, projections"));
     if (verb == QLatin1String("info"))
         return runInfo(args, io);
     if (verb == QLatin1String("transform"))
@@ -405,8 +417,8 @@ void tourCrs(Io& io)
     cs.set_utm_projection(31, true);
     io.out << "UTM zone 31 north on it: " << QString::fromStdString(cs.summary()) << "\n";
     const auto ll = cs.transform_point_to_lat_long(QString())->transform(500000, 5000000);
-    io.out << "Easting 500000, northing 5000000 is latitude " << number(ll.first) << ", longitude "
-           << number(ll.second) << "\n";
+    io.out << "Easting 500000, northing 5000000 is latitude " << number(ll.first) << ", longitude " << number(ll.second)
+           << "\n";
     io.out << "Grid convergence at 45N 5E: " << number(cs.deviation_between_grid_north_and_true_north(45, 5))
            << " degrees\n";
     RKCoordinateSystem plane;
@@ -419,30 +431,29 @@ void tourCrs(Io& io)
 
 const AreaRegistration registration{Area{
     60, QStringLiteral("crs"), QStringLiteral("coordinate systems, projections and transformations"),
-    QStringLiteral(
-        "Usage: rktool crs <verb> ...\n\n"
-        "A SYSTEM is EPSG:n, WKT, a PROJ string (+proj=...), a .prj file (OGC or ESRI WKT) or a\n"
-        "georeferenced raster file (its coordinate system).\n"
-        "Text that is none of these is refused, never guessed.\n\n"
-        "  info [--json] [--esri] SYSTEM       kind, summary, ellipsoid, projection and its parameters\n"
-        "                                      (angles in degrees, lengths in metres), UTM zone;\n"
-        "                                      --esri adds the ESRI form of the WKT\n"
-        "  transform --from A --to B [--json] x y\n"
-        "  transform --from A --to B [--json] --file points.csv\n"
-        "                                      x,y in the order of each system (longitude first for\n"
-        "                                      geographic ones); the file has one x,y per line, an\n"
-        "                                      optional header line and # comments\n"
-        "  tolatlong [--json] [--datum NAME] SYSTEM x y\n"
-        "                                      projected point to latitude and longitude (on NAME,\n"
-        "                                      e.g. WGS84, or the system's own datum)\n"
-        "  fromlatlong [--json] SYSTEM latitude longitude\n"
-        "                                      latitude and longitude on the system's datum to x, y\n"
-        "  area [--json] EPSG                  area of use: degrees for geographic systems (max y\n"
-        "                                      equals min y), the system's own units for projected\n"
-        "  stateplane list [--nad27] [--json]  US state plane zones (NAD83 unless --nad27)\n"
-        "  stateplane set [--nad27] STATE [ZONE]\n"
-        "                                      prints the WKT of the zone, in metres\n"
-        "  projections [--json]                the projection catalogue with parameter ranges\n\n"
-        "Exit code 1 when a system is unknown or a point cannot be converted, 2 on bad usage.\n"),
+    QStringLiteral("Usage: rktool crs <verb> ...\n\n"
+                   "A SYSTEM is EPSG:n, WKT, a PROJ string (+proj=...), a .prj file (OGC or ESRI WKT) or a\n"
+                   "georeferenced raster file (its coordinate system).\n"
+                   "Text that is none of these is refused, never guessed.\n\n"
+                   "  info [--json] [--esri] SYSTEM       kind, summary, ellipsoid, projection and its parameters\n"
+                   "                                      (angles in degrees, lengths in metres), UTM zone;\n"
+                   "                                      --esri adds the ESRI form of the WKT\n"
+                   "  transform --from A --to B [--json] x y\n"
+                   "  transform --from A --to B [--json] --file points.csv\n"
+                   "                                      x,y in the order of each system (longitude first for\n"
+                   "                                      geographic ones); the file has one x,y per line, an\n"
+                   "                                      optional header line and # comments\n"
+                   "  tolatlong [--json] [--datum NAME] SYSTEM x y\n"
+                   "                                      projected point to latitude and longitude (on NAME,\n"
+                   "                                      e.g. WGS84, or the system's own datum)\n"
+                   "  fromlatlong [--json] SYSTEM latitude longitude\n"
+                   "                                      latitude and longitude on the system's datum to x, y\n"
+                   "  area [--json] EPSG                  area of use: degrees for geographic systems (max y\n"
+                   "                                      equals min y), the system's own units for projected\n"
+                   "  stateplane list [--nad27] [--json]  US state plane zones (NAD83 unless --nad27)\n"
+                   "  stateplane set [--nad27] STATE [ZONE]\n"
+                   "                                      prints the WKT of the zone, in metres\n"
+                   "  projections [--json]                the projection catalogue with parameter ranges\n\n"
+                   "Exit code 1 when a system is unknown or a point cannot be converted, 2 on bad usage.\n"),
     runCrs, tourCrs}};
 } // namespace
