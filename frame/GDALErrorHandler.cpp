@@ -7,6 +7,7 @@
 #include <ogr_api.h>
 
 #include <atomic>
+#include <mutex>
 
 namespace {
 // Set while a handler object exists. The callback outlives the object (GDAL keeps it installed),
@@ -58,8 +59,19 @@ GDALErrorHandler*& GDALErrorHandler::holder()
     return object;
 }
 
+namespace {
+// Coordinate and raster code reaches the handler from worker threads, possibly for the first
+// time; creation and release are serialised so that exactly one handler is made.
+std::mutex& instanceMutex()
+{
+    static std::mutex m;
+    return m;
+}
+} // namespace
+
 GDALErrorHandler* GDALErrorHandler::get_instance()
 {
+    std::lock_guard<std::mutex> lock(instanceMutex());
     GDALErrorHandler*& object = holder();
     if (!object) {
         object = new GDALErrorHandler;
@@ -71,6 +83,7 @@ GDALErrorHandler* GDALErrorHandler::get_instance()
 
 void GDALErrorHandler::destroy_instance()
 {
+    std::lock_guard<std::mutex> lock(instanceMutex());
     GDALErrorHandler* object = holder();
     holder() = nullptr;
     delete object;
