@@ -1269,9 +1269,30 @@ void* RKCoordinateSystem::gdalCreateGenImgProjTransformerThreadSafely(GDALDatase
                                                                       GDALDataset* target, char const* target_wkt,
                                                                       int use_gcps)
 {
-    QMutexLocker lock(&m_mutex);
-    // Failures propagate as GDALException to the caller, who is preparing a warp and must know.
-    return GDALCreateGenImgProjTransformer(source, source_wkt, target, target_wkt, use_gcps, 0.0, 0);
+    void* created = nullptr;
+    std::string message;
+    {
+        QMutexLocker lock(&m_mutex);
+        // This builds PROJ pipelines too, so the failure is recorded rather than thrown
+        // through them (see RecordingScope), and thrown here instead, after the lock is
+        // released: the caller is preparing a warp and must know why it cannot.
+        RecordingScope scope;
+        try {
+            created = GDALCreateGenImgProjTransformer(source, source_wkt, target, target_wkt, use_gcps, 0.0, 0);
+        } catch (const GDALException& e) {
+            created = nullptr;
+            message = e.ExceptionThrown();
+        }
+        if (failureRecorded()) {
+            message = CPLGetLastErrorMsg();
+            if (created)
+                GDALDestroyGenImgProjTransformer(created);
+            created = nullptr;
+        }
+    }
+    if (!created && !message.empty())
+        throw GDALException(message);
+    return created;
 }
 
 OGRCoordinateTransformation* RKCoordinateSystem::create_transform(RKCoordinateSystem const& target) const

@@ -296,7 +296,9 @@ public:
     /// Creates a transformation under `m_mutex`; null on failure; the caller owns it.
     static OGRCoordinateTransformation* createCoordinateTransfThreadSafely(OGRSpatialReference* source,
                                                                            OGRSpatialReference* target);
-    /// Creates a GDAL image transformer under `m_mutex`; the caller owns it (GDALDestroyGenImgProjTransformer).
+    /// Creates a GDAL image transformer under `m_mutex`; the caller owns it
+    /// (GDALDestroyGenImgProjTransformer). A failure GDAL reports is thrown as GDALException
+    /// with GDAL's message, once the lock is released.
     static void* gdalCreateGenImgProjTransformerThreadSafely(GDALDataset* source, char const* source_wkt,
                                                              GDALDataset* target, char const* target_wkt, int use_gcps);
     /// Transformation from this text to the target's text; null on failure; the caller owns it.

@@ -2,9 +2,12 @@
 #include "frame/GDALErrorHandler.h"
 
 #include <QtTest>
+#include <gdal_alg.h>
+#include <gdal_priv.h>
 #include <ogr_spatialref.h>
 
 #include <atomic>
+#include <memory>
 #include <clocale>
 #include <cmath>
 #include <thread>
@@ -601,6 +604,37 @@ private slots:
         QVERIFY(east < -1.0 && east > -2.0); // about -(2 deg * sin 45)
         QVERIFY(std::abs(east + west) < 1e-6);
         QVERIFY(std::abs(cs.deviation_between_grid_north_and_true_north(-45, 5) + east) < 1e-3);
+    }
+
+    void imageTransformer()
+    {
+        // Real MEM rasters: a 10 x 10 grid of 100 m cells in UTM 31N, warped to WGS84.
+        GDALDriver* mem = GetGDALDriverManager()->GetDriverByName("MEM");
+        QVERIFY(mem);
+        std::unique_ptr<GDALDataset> raster(mem->Create("", 10, 10, 1, GDT_Byte, nullptr));
+        double geo[6] = {500000, 100, 0, 5001000, 0, -100};
+        raster->SetGeoTransform(geo);
+        const std::string utmWkt = epsgWkt(32631);
+        const std::string wgsWkt = epsgWkt(4326);
+        void* t =
+            CS::gdalCreateGenImgProjTransformerThreadSafely(raster.get(), utmWkt.c_str(), nullptr, wgsWkt.c_str(), 0);
+        QVERIFY(t);
+        double x = 0, y = 10, z = 0; // lower left corner, in pixels
+        int ok = 0;
+        QVERIFY(GDALGenImgProjTransform(t, FALSE, 1, &x, &y, &z, &ok));
+        QVERIFY(ok);
+        QVERIFY(std::abs(x - 3.0) < 1e-9 && std::abs(y - 45.153477183) < 1e-8);
+        GDALDestroyGenImgProjTransformer(t);
+        // A target GDAL cannot read: GDAL's message, thrown after the lock is released.
+        bool thrown = false;
+        try {
+            CS::gdalCreateGenImgProjTransformerThreadSafely(raster.get(), utmWkt.c_str(), nullptr, "PROJCS[bad", 0);
+        } catch (const GDALException& e) {
+            thrown = !std::string(e.ExceptionThrown()).empty();
+        }
+        QVERIFY(thrown);
+        // The mutex was released: a transformation can be made at once on this thread.
+        QVERIFY(CS(utmWkt).valid_transform_to_lat_long());
     }
 
     void statePlanes()
