@@ -59,3 +59,6 @@
 #include "wizards/WizardForm.h"
 #include "wizards/WizardProgress.h"
 #include "wizards/WorkFlowTree.h"
+
+#include "coordinates/RKCoordinateSystem.h"
+#include "frame/GDALErrorHandler.h"
