@@ -553,6 +553,7 @@ RKCoordinateSystem& RKCoordinateSystem::operator=(RKCoordinateSystem const& othe
         OGRSpatialReference::DestroySpatialReference(m_reference);
     m_reference = nullptr;
     m_reference_valid = false;
+    m_failedParse = false;
     m_type_cache = -1;
     return *this;
 }
@@ -578,12 +579,21 @@ OGRSpatialReference* RKCoordinateSystem::reference() const
 {
     if (m_reference_valid)
         return m_reference;
-    // The previous attempt's empty reference is replaced, never accumulated.
+    // A text that failed to parse keeps its empty reference until the text changes: read-outs
+    // hold the pointer across several calls, and replacing it under them would leave them
+    // pointing at freed memory.
+    if (m_reference && m_failedParse && m_failedText == m_wkt)
+        return m_reference;
     if (m_reference)
         OGRSpatialReference::DestroySpatialReference(m_reference);
     m_reference = newSrs().release();
-    if (importWkt(*m_reference, m_wkt) == OGRERR_NONE)
+    if (importWkt(*m_reference, m_wkt) == OGRERR_NONE) {
         m_reference_valid = true;
+        m_failedParse = false;
+    } else {
+        m_failedParse = true;
+        m_failedText = m_wkt;
+    }
     return m_reference;
 }
 

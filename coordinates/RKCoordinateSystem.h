@@ -333,6 +333,8 @@ private:
     std::string m_wkt;
     mutable OGRSpatialReference* m_reference = nullptr;
     mutable bool m_reference_valid = false;
+    mutable bool m_failedParse = false; // m_reference is the empty result of parsing m_failedText
+    mutable std::string m_failedText;
     // Cache of the transformation check of the current text; -1 unknown. Reset with the text.
     mutable int m_type_cache = -1;
 
