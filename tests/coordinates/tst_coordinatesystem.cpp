@@ -114,6 +114,14 @@ private slots:
         QCOMPARE(cs.coord_system_type(), CS::Undefined);
         QCOMPARE(cs.wkt(), std::string("garbage"));
         QVERIFY(cs.reference()); // never null, even for text that does not parse
+        // Read-outs of text that does not parse ask for the reference several times; it must stay
+        // the same object meanwhile (the sanitizer build catches a replaced one).
+        OGRSpatialReference* first = cs.reference();
+        QVERIFY(cs.projection_parameters().isEmpty()); // no projection, no parameters
+        cs.projection_type();
+        QCOMPARE(cs.reference(), first);
+        cs.wkt("other garbage");
+        QVERIFY(cs.projection_parameters().isEmpty());
     }
 
     void longTextHasNoLengthLimit()
